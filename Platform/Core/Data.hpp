@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace nimbuscope::platform {
+
+/// Bytes with no meaning of their own; owned.
+using Data = std::vector<std::uint8_t>;
+
+/// The bytes seen as text, for parsers that check them; borrowed from `data`.
+[[nodiscard]] inline std::string_view textOf(const Data& data) {
+    return {reinterpret_cast<const char*>(data.data()), data.size()};
+}
+
+/// The bytes of `text`.
+[[nodiscard]] inline Data dataOf(std::string_view text) {
+    return {text.begin(), text.end()};
+}
+
+}  // namespace nimbuscope::platform
