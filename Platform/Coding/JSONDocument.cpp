@@ -1,0 +1,136 @@
+#include "Platform/Coding/JSONDocument.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace nimbuscope::platform {
+namespace {
+
+/// Takes parse events and keeps the place of the first error: the slow parser that says where, for texts that the
+/// fast one refused.
+struct ErrorLocator : nlohmann::json_sax<nlohmann::json> {
+    std::size_t offset = 0;
+
+    bool null() override { return true; }
+    bool boolean(bool /*value*/) override { return true; }
+    bool number_integer(number_integer_t /*value*/) override { return true; }
+    bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
+    bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
+    bool string(string_t& /*value*/) override { return true; }
+    bool binary(binary_t& /*value*/) override { return true; }
+    bool start_object(std::size_t /*count*/) override { return true; }
+    bool key(string_t& /*value*/) override { return true; }
+    bool end_object() override { return true; }
+    bool start_array(std::size_t /*count*/) override { return true; }
+    bool end_array() override { return true; }
+    bool parse_error(std::size_t position, const std::string& /*token*/,
+                     const nlohmann::json::exception& /*error*/) override {
+        offset = position;
+        return false;
+    }
+};
+
+DecodingError syntaxError(std::string_view text, simdjson::error_code code) {
+    if (code == simdjson::DEPTH_ERROR) {
+        return {{}, "nested deeper than " + std::to_string(simdjson::DEFAULT_MAX_DEPTH) + " levels"};
+    }
+    if (code == simdjson::CAPACITY || code == simdjson::MEMALLOC) {
+        return {{}, "a document of " + std::to_string(text.size()) + " bytes is too large"};
+    }
+    ErrorLocator locator;
+    nlohmann::json::sax_parse(text.begin(), text.end(), &locator);
+    std::string reason = code == simdjson::UTF8_ERROR ? "invalid UTF-8" : "invalid JSON";
+    if (locator.offset > 0) {
+        reason += " at byte " + std::to_string(locator.offset - 1);
+    }
+    return {{}, std::move(reason)};
+}
+
+bool isNumberCharacter(char c) {
+    return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E';
+}
+
+/// The number token as the fast parser takes it: integers of more digits than 64 bits hold become reals,
+/// magnitudes that no double has become a value that fits no field.
+std::string representableNumber(std::string_view token) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), value);
+    if (error == std::errc::result_out_of_range && std::abs(value) > 1) {
+        return "[[]]";
+    }
+    const bool isInteger = token.find_first_of(".eE") == std::string_view::npos;
+    return std::string(token) + (isInteger && token.size() > 18 ? "e0" : "");
+}
+
+/// `text` with all its number tokens made representable; what is not a number stays as it is.
+std::string withRepresentableNumbers(std::string_view text) {
+    std::string result;
+    result.reserve(text.size() + text.size() / 16);
+    bool inString = false;
+    for (std::size_t i = 0; i < text.size();) {
+        const char c = text[i];
+        if (!inString && ((c >= '0' && c <= '9') || c == '-')) {
+            const auto* const end = std::find_if_not(text.begin() + i, text.end(), isNumberCharacter);
+            const auto length = static_cast<std::size_t>(end - (text.begin() + i));
+            result += representableNumber(text.substr(i, length));
+            i += length;
+            continue;
+        }
+        if (inString && c == '\\' && i + 1 < text.size()) {
+            result += text.substr(i, 2);
+            i += 2;
+            continue;
+        }
+        inString = inString != (c == '"');
+        result += c;
+        ++i;
+    }
+    return result;
+}
+
+std::string_view kindOf(JSONElement element) {
+    switch (element.type()) {
+        case simdjson::dom::element_type::ARRAY:
+            return "an array";
+        case simdjson::dom::element_type::OBJECT:
+            return "an object";
+        case simdjson::dom::element_type::INT64:
+        case simdjson::dom::element_type::UINT64:
+        case simdjson::dom::element_type::DOUBLE:
+            return "a number";
+        case simdjson::dom::element_type::STRING:
+            return "a text";
+        case simdjson::dom::element_type::BOOL:
+            return "a boolean";
+        case simdjson::dom::element_type::NULL_VALUE:
+            break;
+    }
+    return "null";
+}
+
+}  // namespace
+
+Result<JSONElement, DecodingError> JSONDocument::parse(std::string_view text) {
+    JSONElement root;
+    auto code = parser_.parse(text.data(), text.size()).get(root);
+    if (code == simdjson::NUMBER_ERROR) {
+        const std::string widened = withRepresentableNumbers(text);
+        code = parser_.parse(widened).get(root);
+    }
+    if (code != simdjson::SUCCESS) {
+        return std::unexpected(syntaxError(text, code));
+    }
+    return root;
+}
+
+DecodingError typeMismatch(std::string_view expected, JSONElement found) {
+    return {{}, "expected " + std::string(expected) + ", found " + std::string(kindOf(found))};
+}
+
+bool isValidUTF8(std::string_view text) {
+    return simdjson::validate_utf8(text.data(), text.size());
+}
+
+}  // namespace nimbuscope::platform

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <simdjson.h>
+
+#include <string_view>
+
+#include "Platform/Coding/CodingError.hpp"
+#include "Platform/Core/Result.hpp"
+
+namespace nimbuscope::platform {
+
+/// A value inside a parsed document. Valid until its `JSONDocument` parses again or goes.
+using JSONElement = simdjson::dom::element;
+
+/// A parser of JSON texts (RFC 8259) that keeps its memory between documents.
+///
+/// The whole text must be valid JSON in valid UTF-8, one value, nested at most 1,024 levels. Numbers beyond
+/// 64-bit integers are read as doubles; a number beyond the range of doubles reads as a value of no type that a
+/// field could have, so that it spoils the record that it stands in and nothing else.
+/// One thread at a time.
+class JSONDocument {
+  public:
+    /// Parses `text`, which is not needed afterwards. The error names the byte at which the text goes wrong.
+    [[nodiscard]] Result<JSONElement, DecodingError> parse(std::string_view text);
+
+  private:
+    simdjson::dom::parser parser_;
+};
+
+/// The error for a value of the wrong kind: "expected a boolean, found a number".
+[[nodiscard]] DecodingError typeMismatch(std::string_view expected, JSONElement found);
+
+/// True when `text` is valid UTF-8 (RFC 3629).
+[[nodiscard]] bool isValidUTF8(std::string_view text);
+
+}  // namespace nimbuscope::platform

@@ -1,0 +1,446 @@
+#include "Platform/Linux/NSUserDefaults_sqlite.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <mutex>
+#include <utility>
+
+#include "Platform/Core/Fatal.hpp"
+#include "Platform/Core/UUID.hpp"
+#include "Platform/Linux/SQLite.hpp"
+
+namespace nimbuscope::platform {
+namespace {
+
+using Code = DefaultsError::Code;
+
+constexpr std::int64_t applicationId = 0x4E42'5344;  // "NBSD"
+constexpr std::int64_t formatVersion = 1;
+
+/// How the `type` column names the type of the value beside it. Stored: never renumber.
+enum class StoredType : std::int64_t {
+    boolean = 1,     // INTEGER 0 or 1
+    integer = 2,     // INTEGER
+    real = 3,        // REAL
+    string = 4,      // TEXT
+    data = 5,        // BLOB
+    array = 6,       // TEXT, JSON
+    dictionary = 7,  // TEXT, JSON
+};
+
+constexpr const char* schema =
+    "PRAGMA journal_mode = WAL;"
+    "BEGIN;"
+    "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, type INTEGER NOT NULL, value NOT NULL);";
+
+Code codeOf(int sqliteCode) {
+    switch (sqliteCode) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return Code::busy;
+        case SQLITE_READONLY:
+        case SQLITE_PERM:
+            return Code::readOnly;
+        case SQLITE_FULL:
+            return Code::full;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return Code::damaged;
+        case SQLITE_CANTOPEN:
+            return Code::cannotOpen;
+        case SQLITE_TOOBIG:
+            return Code::invalidValue;
+        default:
+            return Code::failed;
+    }
+}
+
+class SQLiteUserDefaults final : public NSUserDefaults {
+  public:
+    SQLiteUserDefaults(std::string path, int busyTimeout) : path_(std::move(path)), busyTimeout_(busyTimeout) {}
+
+    [[nodiscard]] DefaultsResult<std::optional<DefaultsValue>> object(std::string_view key) const override;
+    [[nodiscard]] DefaultsResult<DefaultsDictionary> dictionaryRepresentation() const override;
+    [[nodiscard]] DefaultsResult<void> set(std::string_view key, const DefaultsValue& value) override;
+    [[nodiscard]] DefaultsResult<void> removeObject(std::string_view key) override;
+    [[nodiscard]] DefaultsResult<void> transaction(const Transaction& body) override;
+
+    /// Every commit waits for the disk already.
+    [[nodiscard]] DefaultsResult<void> synchronize() override { return {}; }
+
+  private:
+    /// The connection with the statements that were compiled on it.
+    struct Open {
+        SQLiteConnection connection;
+        SQLiteStatement select;
+        SQLiteStatement selectAll;
+        SQLiteStatement insert;
+        SQLiteStatement remove;
+    };
+
+    [[nodiscard]] std::unexpected<DefaultsError> error(Code code, std::string reason) const {
+        return std::unexpected(DefaultsError{code, path_, std::move(reason)});
+    }
+    [[nodiscard]] std::unexpected<DefaultsError> error(const SQLiteError& cause) const {
+        return error(codeOf(cause.code), cause.reason);
+    }
+
+    [[nodiscard]] DefaultsResult<Open*> open() const;
+    [[nodiscard]] DefaultsResult<Open*> openOrCreate();
+    [[nodiscard]] DefaultsResult<void> create() const;
+    [[nodiscard]] SQLiteResult<void> initialise(const std::string& path) const;
+    [[nodiscard]] DefaultsResult<void> checkFormat(SQLiteConnection& connection) const;
+    [[nodiscard]] DefaultsResult<DefaultsValue> value(const SQLiteStatement& row) const;
+    [[nodiscard]] DefaultsResult<void> bind(SQLiteStatement& insert, const DefaultsValue& value, std::string& json);
+    [[nodiscard]] DefaultsResult<void> run(SQLiteStatement& statement) const;
+
+    std::string path_;
+    int busyTimeout_;
+    mutable std::recursive_mutex mutex_;  // recursive: a transaction's body calls set and object
+    mutable std::optional<Open> open_;
+};
+
+/// Resets a statement when the scope ends, so that it holds no lock and borrows nothing.
+class ResetAtEnd {
+  public:
+    explicit ResetAtEnd(SQLiteStatement& statement) : statement_(statement) {}
+    ~ResetAtEnd() { statement_.reset(); }
+    ResetAtEnd(const ResetAtEnd&) = delete;
+    ResetAtEnd& operator=(const ResetAtEnd&) = delete;
+
+  private:
+    SQLiteStatement& statement_;
+};
+
+DefaultsResult<std::optional<DefaultsValue>> SQLiteUserDefaults::object(std::string_view key) const {
+    const std::lock_guard lock(mutex_);
+    const auto store = open();
+    if (!store) {
+        return std::unexpected(store.error());
+    }
+    if (*store == nullptr) {
+        return std::nullopt;
+    }
+    SQLiteStatement& select = (*store)->select;
+    const ResetAtEnd reset(select);
+    select.bind(1, key);
+    const auto row = select.step();
+    if (!row) {
+        return error(row.error());
+    }
+    return *row ? DefaultsResult<std::optional<DefaultsValue>>(value(select)) : std::nullopt;
+}
+
+DefaultsResult<DefaultsDictionary> SQLiteUserDefaults::dictionaryRepresentation() const {
+    const std::lock_guard lock(mutex_);
+    const auto store = open();
+    if (!store) {
+        return std::unexpected(store.error());
+    }
+    DefaultsDictionary dictionary;
+    if (*store == nullptr) {
+        return dictionary;
+    }
+    SQLiteStatement& rows = (*store)->selectAll;
+    const ResetAtEnd reset(rows);
+    for (;;) {
+        const auto row = rows.step();
+        if (!row) {
+            return error(row.error());
+        }
+        if (!*row) {
+            return dictionary;
+        }
+        auto entry = value(rows);
+        if (!entry) {
+            return std::unexpected(std::move(entry.error()));
+        }
+        dictionary.emplace(rows.text(2), std::move(*entry));
+    }
+}
+
+DefaultsResult<void> SQLiteUserDefaults::set(std::string_view key, const DefaultsValue& value) {
+    const std::lock_guard lock(mutex_);
+    if (key.empty() || key.find('\0') != std::string_view::npos || !isValidUTF8(key)) {
+        return error(Code::invalidValue, "a key is UTF-8 text, not empty and without NUL");
+    }
+    const auto store = openOrCreate();
+    if (!store) {
+        return std::unexpected(store.error());
+    }
+    SQLiteStatement& insert = (*store)->insert;
+    const ResetAtEnd reset(insert);
+    std::string json;
+    insert.bind(1, key);
+    const auto bound = bind(insert, value, json);
+    return bound ? run(insert) : bound;
+}
+
+DefaultsResult<void> SQLiteUserDefaults::removeObject(std::string_view key) {
+    const std::lock_guard lock(mutex_);
+    const auto store = open();
+    if (!store) {
+        return std::unexpected(store.error());
+    }
+    if (*store == nullptr) {
+        return {};
+    }
+    SQLiteStatement& remove = (*store)->remove;
+    const ResetAtEnd reset(remove);
+    remove.bind(1, key);
+    return run(remove);
+}
+
+DefaultsResult<void> SQLiteUserDefaults::transaction(const Transaction& body) {
+    const std::lock_guard lock(mutex_);
+    const auto store = openOrCreate();
+    if (!store) {
+        return std::unexpected(store.error());
+    }
+    SQLiteConnection& connection = (*store)->connection;
+    precondition(!connection.inTransaction(), "a transaction inside a transaction");
+    const auto begun = connection.execute("BEGIN IMMEDIATE");
+    if (!begun) {
+        return error(begun.error());
+    }
+    DefaultsResult<void> result = body();
+    if (result) {
+        const auto committed = connection.execute("COMMIT");
+        if (!committed) {
+            result = error(committed.error());
+        }
+    }
+    if (connection.inTransaction()) {
+        // A rollback fails only where SQLite has rolled back by itself.
+        static_cast<void>(connection.execute("ROLLBACK"));
+    }
+    return result;
+}
+
+/// The open store; null while there is no file.
+DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::open() const {
+    if (open_) {
+        return &*open_;
+    }
+    struct stat information {};
+    if (stat(path_.c_str(), &information) != 0) {
+        if (errno == ENOENT) {
+            return nullptr;
+        }
+        return error(Code::cannotOpen, std::strerror(errno));
+    }
+    auto connection = SQLiteConnection::open(path_, busyTimeout_);
+    if (!connection) {
+        return error(connection.error());
+    }
+    const auto checked = checkFormat(*connection);
+    if (!checked) {
+        return std::unexpected(checked.error());
+    }
+    Open store{.connection = std::move(*connection), .select = {}, .selectAll = {}, .insert = {}, .remove = {}};
+    for (const auto& [statement, sql] : {
+             std::pair{&store.select, "SELECT type, value FROM defaults WHERE key = ?1"},
+             std::pair{&store.selectAll, "SELECT type, value, key FROM defaults"},
+             std::pair{&store.insert, "INSERT OR REPLACE INTO defaults (key, type, value) VALUES (?1, ?2, ?3)"},
+             std::pair{&store.remove, "DELETE FROM defaults WHERE key = ?1"},
+         }) {
+        auto prepared = store.connection.prepare(sql);
+        if (!prepared) {
+            return error(prepared.error());
+        }
+        *statement = std::move(*prepared);
+    }
+    return &open_.emplace(std::move(store));
+}
+
+DefaultsResult<void> SQLiteUserDefaults::checkFormat(SQLiteConnection& connection) const {
+    const auto durable = connection.execute("PRAGMA synchronous = FULL");
+    const auto id = connection.integer("PRAGMA application_id");
+    const auto version = connection.integer("PRAGMA user_version");
+    for (const SQLiteError* cause : {durable ? nullptr : &durable.error(), id ? nullptr : &id.error(),
+                                     version ? nullptr : &version.error()}) {
+        if (cause != nullptr) {
+            return error(*cause);
+        }
+    }
+    if (*id != applicationId) {
+        return error(Code::damaged, "the file is not a key-value store");
+    }
+    if (*version > formatVersion) {
+        return error(Code::newerFormat, "store format " + std::to_string(*version) + " is newer than " +
+                                            std::to_string(formatVersion) + ", the newest known here");
+    }
+    return {};
+}
+
+DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::openOrCreate() {
+    const auto store = open();
+    if (!store || *store != nullptr) {
+        return store;
+    }
+    const auto created = create();
+    if (!created) {
+        return std::unexpected(created.error());
+    }
+    return open();
+}
+
+/// Makes the file beside its place and links it there complete: nobody ever sees a part of a store, and of two
+/// processes that create it at once, one wins.
+DefaultsResult<void> SQLiteUserDefaults::create() const {
+    const std::string draft = path_ + ".new-" + UUID::random().uuidString();
+    const int file = ::open(draft.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file < 0) {
+        return error(errno == ENOSPC ? Code::full : Code::cannotOpen, std::strerror(errno));
+    }
+    ::close(file);
+    const auto initialised = initialise(draft);
+    const int linkError = initialised && ::link(draft.c_str(), path_.c_str()) != 0 ? errno : 0;
+    ::unlink(draft.c_str());
+    if (!initialised) {
+        return error(initialised.error());
+    }
+    if (linkError != 0 && linkError != EEXIST) {
+        return error(Code::cannotOpen, std::strerror(linkError));
+    }
+    return {};
+}
+
+SQLiteResult<void> SQLiteUserDefaults::initialise(const std::string& path) const {
+    auto connection = SQLiteConnection::open(path, busyTimeout_);
+    if (!connection) {
+        return std::unexpected(std::move(connection.error()));
+    }
+    return connection->execute(std::string(schema) +                                            //
+                               "PRAGMA application_id = " + std::to_string(applicationId) + ";"  //
+                               "PRAGMA user_version = " + std::to_string(formatVersion) + "; COMMIT;");
+}
+
+DefaultsResult<void> SQLiteUserDefaults::run(SQLiteStatement& statement) const {
+    const auto done = statement.step();
+    if (!done) {
+        return error(done.error());
+    }
+    return {};
+}
+
+/// The value that the current row holds in its columns 0 (type) and 1 (value).
+DefaultsResult<DefaultsValue> SQLiteUserDefaults::value(const SQLiteStatement& row) const {
+    const int found = row.storageClass(1);
+    switch (static_cast<StoredType>(row.integer(0))) {
+        case StoredType::boolean:
+            if (found == SQLITE_INTEGER) {
+                return row.integer(1) != 0;
+            }
+            break;
+        case StoredType::integer:
+            if (found == SQLITE_INTEGER) {
+                return row.integer(1);
+            }
+            break;
+        case StoredType::real:
+            if (found == SQLITE_FLOAT) {
+                return row.real(1);
+            }
+            break;
+        case StoredType::string:
+            if (found == SQLITE_TEXT) {
+                return std::string(row.text(1));
+            }
+            break;
+        case StoredType::data:
+            if (found == SQLITE_BLOB) {
+                const auto bytes = row.bytes(1);
+                return Data(bytes.begin(), bytes.end());
+            }
+            break;
+        case StoredType::array:
+        case StoredType::dictionary: {
+            JSONDocument document;
+            const auto json = document.parse(row.text(1));
+            auto container = json ? defaultsValue(*json) : std::unexpected(json.error());
+            if (container) {
+                return std::move(*container);
+            }
+            break;
+        }
+    }
+    return error(Code::damaged, "a stored value is not of its type");
+}
+
+/// Binds type and value; `json` holds what is borrowed until the statement is reset.
+DefaultsResult<void> SQLiteUserDefaults::bind(SQLiteStatement& insert, const DefaultsValue& value, std::string& json) {
+    const auto bindAs = [&](StoredType type, auto bound) -> DefaultsResult<void> {
+        insert.bind(2, static_cast<std::int64_t>(type));
+        insert.bind(3, bound);
+        return {};
+    };
+    if (const auto* boolean = value.as<bool>()) {
+        return bindAs(StoredType::boolean, std::int64_t{*boolean});
+    }
+    if (const auto* integer = value.as<std::int64_t>()) {
+        return bindAs(StoredType::integer, *integer);
+    }
+    if (const auto* bytes = value.as<Data>()) {
+        return bindAs(StoredType::data, std::span<const std::uint8_t>(*bytes));
+    }
+    // What is left must be fit for JSON, as the scalars inside containers must.
+    JSONWriter writer;
+    writeJSON(writer, value);
+    auto text = writer.finish();
+    if (!text) {
+        return error(Code::invalidValue, text.error().message());
+    }
+    if (const auto* real = value.as<double>()) {
+        return bindAs(StoredType::real, *real);
+    }
+    if (const auto* string = value.as<std::string>()) {
+        return bindAs(StoredType::string, std::string_view(*string));
+    }
+    json = std::move(*text);
+    return bindAs(value.as<DefaultsArray>() != nullptr ? StoredType::array : StoredType::dictionary,
+                  std::string_view(json));
+}
+
+/// Makes the directory and those above it that are missing, for their owner alone; the error's text, or none.
+std::optional<std::string> makeDirectories(const std::filesystem::path& directory) {
+    std::filesystem::path made;
+    for (const auto& part : directory) {
+        made /= part;
+        if (::mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST && errno != EISDIR) {
+            return std::strerror(errno);
+        }
+    }
+    struct stat information {};
+    if (stat(directory.c_str(), &information) != 0 || !S_ISDIR(information.st_mode)) {
+        return std::strerror(ENOTDIR);
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+DefaultsResult<std::shared_ptr<NSUserDefaults>> SQLiteUserDefaultsSuites::suite(std::string_view name) {
+    constexpr std::size_t longestName = 200;  // file systems allow 255 bytes, and SQLite appends to them
+    if (name.empty() || name.size() > longestName || name.front() == '.' || name.find('/') != name.npos ||
+        name.find('\0') != name.npos) {
+        return std::unexpected(DefaultsError{Code::invalidValue, directory_, "a suite's name must be a file name"});
+    }
+    if (auto fault = makeDirectories(directory_)) {
+        return std::unexpected(DefaultsError{Code::cannotOpen, directory_, std::move(*fault)});
+    }
+    const std::filesystem::path file = std::filesystem::path(directory_) / (std::string(name) + ".sqlite");
+    return std::make_shared<SQLiteUserDefaults>(file.string(), busyTimeout_);
+}
+
+DefaultsResult<std::shared_ptr<NSUserDefaults>> SQLiteUserDefaultsSuites::standard() {
+    return suite("standard");
+}
+
+}  // namespace nimbuscope::platform
