@@ -16,7 +16,12 @@
 /// optional fields left out, enumerations by their raw values.
 namespace nimbuscope::platform {
 
+/// A type that this header writes; others bring a `writeJSON` of their own.
 template <class T>
+concept JSONEncodable = Record<T> || Enumeration<T> || std::signed_integral<T> || std::same_as<T, bool> ||
+                        std::same_as<T, double> || std::same_as<T, std::string>;
+
+template <JSONEncodable T>
 void writeJSON(JSONWriter& writer, const T& value);
 
 template <class T>
@@ -45,7 +50,7 @@ void writeField(JSONWriter& writer, std::string_view key, const std::optional<Va
 
 }  // namespace detail
 
-template <class T>
+template <JSONEncodable T>
 void writeJSON(JSONWriter& writer, const T& value) {
     if constexpr (Record<T>) {
         writer.beginObject();

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Platform/Intents/INIntentResolutionResult.hpp"
+#include "Platform/Intents/INObject.hpp"
+
+namespace nimbuscope {
+
+/// A place that a widget may show: identifier and display string are the saved place's id and name.
+class ForecastLocation final : public platform::INObject {
+  public:
+    using INObject::INObject;
+    [[nodiscard]] std::string_view className() const override { return "ForecastLocation"; }
+};
+
+/// A place that a shortcut may name: identifier and display string are the saved place's id and name.
+class Location final : public platform::INObject {
+  public:
+    using INObject::INObject;
+    [[nodiscard]] std::string_view className() const override { return "Location"; }
+};
+
+/// A choice of the radar's colours; in the keyed form it adds "id".
+class MapColorScheme final : public platform::INObject {
+  public:
+    using INObject::INObject;
+    [[nodiscard]] std::string_view className() const override { return "MapColorScheme"; }
+
+    std::optional<std::int64_t> id;  ///< the number of the scheme
+
+  protected:
+    void writeMore(platform::JSONWriter& writer) const override;
+    [[nodiscard]] platform::DecodingResult restoreMore(platform::JSONElement json) override;
+};
+
+using ForecastLocationResolutionResult = platform::TypedObjectResolutionResult<ForecastLocation>;
+using LocationResolutionResult = platform::TypedObjectResolutionResult<Location>;
+using MapColorSchemeResolutionResult = platform::TypedObjectResolutionResult<MapColorScheme>;
+
+using LocationCollection = platform::INObjectCollection<Location>;
+using ForecastLocationCollection = platform::INObjectCollection<ForecastLocation>;
+using MapColorSchemeCollection = platform::INObjectCollection<MapColorScheme>;
+
+}  // namespace nimbuscope

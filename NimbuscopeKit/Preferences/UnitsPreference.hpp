@@ -1,0 +1,38 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+namespace nimbuscope {
+
+/// The units in which values are shown. `Hybrid` is Celsius with miles and inches.
+enum class UnitsPreference : std::int64_t { Imperial = 0, Metric = 1, Hybrid = 2 };
+
+constexpr auto caseTable(UnitsPreference) {
+    return std::array{UnitsPreference::Imperial, UnitsPreference::Metric, UnitsPreference::Hybrid};
+}
+
+/// "imperial", "metric" or "mixed"; not localised.
+[[nodiscard]] std::string_view title(UnitsPreference units);
+
+/// Degrees Celsius as Fahrenheit for `Imperial`, unchanged otherwise.
+[[nodiscard]] double temperature(UnitsPreference units, double celsius);
+
+/// Kilometres as miles unless `Metric`.
+[[nodiscard]] double distance(UnitsPreference units, double kilometres);
+
+/// Millimetres as inches unless `Metric`.
+[[nodiscard]] double mmToInch(UnitsPreference units, double millimetres);
+
+/// International miles as metres, whatever the units.
+[[nodiscard]] double milesToMeters(double miles);
+
+/// True for every case but `Metric`.
+[[nodiscard]] bool isMiles(UnitsPreference units);
+
+/// The rain rate that causes a reflectivity in dBZ, in mm/h for `Metric` and in/h otherwise: Z = 200 R^1.6
+/// (Marshall–Palmer) solved for R.
+[[nodiscard]] double reflectivityToRainrate(UnitsPreference units, std::int64_t dBZ);
+
+}  // namespace nimbuscope
