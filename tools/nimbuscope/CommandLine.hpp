@@ -1,0 +1,65 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "Platform/Core/Result.hpp"
+#include "Platform/Defaults/NSUserDefaults.hpp"
+
+namespace nimbuscope::tool {
+
+/// Why a command failed: printed as `nimbuscope: WHAT: WHY`.
+struct CommandError {
+    std::string what;  ///< what was attempted, or the file that is at fault
+    std::string why;   ///< place, expected and found
+};
+
+template <class T>
+using CommandResult = platform::Result<T, CommandError>;
+
+/// The program's nouns and verbs, and what they share: the store, standard output, and the exit codes
+/// 0 (done), 1 (the data or the operation failed) and 2 (the command line is wrong).
+class CommandLine {
+  public:
+    /// What a verb does: appends its results to `output`, which is written when it succeeds.
+    using Action = std::function<CommandResult<void>(std::string& output)>;
+
+    CommandLine();
+
+    /// A noun, to which verbs are added.
+    CLI::App& addNoun(const std::string& name, const std::string& description);
+
+    /// A noun that is a command itself.
+    CLI::App& addCommand(const std::string& name, const std::string& description, const std::string& example,
+                         Action action);
+
+    /// A verb of `parent` that runs `action`; its help ends with `example`, a whole command line.
+    CLI::App& addVerb(CLI::App& parent, const std::string& name, const std::string& description,
+                      const std::string& example, Action action);
+
+    /// Where the key-value stores are, once the command line is parsed.
+    [[nodiscard]] CommandResult<std::string> storeDirectory() const;
+
+    /// The store of a suite, or the standard store for an empty name.
+    [[nodiscard]] CommandResult<std::shared_ptr<platform::NSUserDefaults>> openStore(const std::string& suite) const;
+
+    /// Parses the arguments, runs the verb and returns the exit code.
+    int run(int argumentCount, const char* const* arguments);
+
+  private:
+    int execute();
+
+    CLI::App app_;
+    std::string storeOption_;
+    Action selected_;
+};
+
+/// The noun that commands work with, each in a file of its own.
+void addDefaults(CommandLine& commandLine);
+void addIntents(CommandLine& commandLine);
+void addPlaces(CommandLine& commandLine);
+
+}  // namespace nimbuscope::tool

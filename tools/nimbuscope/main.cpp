@@ -1,0 +1,12 @@
+#include "Platform/Linux/Bundle_gettext.hpp"
+#include "CommandLine.hpp"
+
+int main(int argumentCount, char** arguments) {
+    using namespace nimbuscope;
+    platform::GettextBundle::useLanguageOfUser();
+    tool::CommandLine commandLine;
+    tool::addDefaults(commandLine);
+    tool::addPlaces(commandLine);
+    tool::addIntents(commandLine);
+    return commandLine.run(argumentCount, arguments);
+}
