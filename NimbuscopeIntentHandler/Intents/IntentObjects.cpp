@@ -18,11 +18,11 @@ void MapColorScheme::writeMore(platform::JSONWriter& writer) const {
     }
 }
 
-platform::DecodingResult MapColorScheme::restoreMore(platform::JSONElement json) {
+platform::DecodingFault MapColorScheme::restoreMore(platform::JSONElement json) {
     SchemeRecord record;
-    auto read = platform::JSONReader<SchemeRecord>::read(json, record);
+    platform::DecodingFault found = platform::JSONReader<SchemeRecord>::read(json, record);
     id = record.id;
-    return read;
+    return found;
 }
 
 }  // namespace nimbuscope

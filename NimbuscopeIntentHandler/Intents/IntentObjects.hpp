@@ -34,7 +34,7 @@ class MapColorScheme final : public platform::INObject {
 
   protected:
     void writeMore(platform::JSONWriter& writer) const override;
-    [[nodiscard]] platform::DecodingResult restoreMore(platform::JSONElement json) override;
+    [[nodiscard]] platform::DecodingFault restoreMore(platform::JSONElement json) override;
 };
 
 using ForecastLocationResolutionResult = platform::TypedObjectResolutionResult<ForecastLocation>;

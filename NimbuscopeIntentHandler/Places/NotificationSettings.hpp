@@ -11,7 +11,7 @@
 namespace nimbuscope {
 
 /// The weakest precipitation that counts; the raw value is its reflectivity in dBZ.
-enum class Intensity : std::int64_t { any = 0, light = 25, moderate = 35, heavy = 45, hail = 55 };
+enum class Intensity : std::int8_t { any = 0, light = 25, moderate = 35, heavy = 45, hail = 55 };
 
 constexpr auto caseTable(Intensity) {
     using enum Intensity;
@@ -20,7 +20,7 @@ constexpr auto caseTable(Intensity) {
 
 /// Notice of rain before it comes.
 struct NotificationSettingsRainDuration {
-    enum class Accuracy : std::int64_t { high = 1, medium = 2 };
+    enum class Accuracy : std::int8_t { high = 1, medium = 2 };
 
     bool isEnabled = true;
     Accuracy accuracy = Accuracy::high;
@@ -40,7 +40,7 @@ constexpr auto caseTable(NotificationSettingsRainDuration::Accuracy) {
 
 /// Notice of precipitation within a radius of the place.
 struct NotificationSettingsInRadius {
-    enum class Radius : std::int64_t {  // metres
+    enum class Radius : std::int32_t {  // metres
         fiveKm = 5000,
         tenKm = 10000,
         twentyKm = 20000,
@@ -68,7 +68,7 @@ constexpr auto caseTable(NotificationSettingsInRadius::Radius) {
 
 /// Notice of severe weather.
 struct NotificationSettingsSevereWeather {
-    enum class Severity { minor, moderate, severe };
+    enum class Severity : std::int8_t { minor, moderate, severe };
 
     bool isEnabled = true;
     Severity severity = Severity::minor;
@@ -87,7 +87,7 @@ constexpr auto caseTable(NotificationSettingsSevereWeather::Severity) {
 
 /// Notice of tropical storms.
 struct NotificationSettingsTropicalStorms {
-    enum class TrackingArea { worldwide, nearMyLocations };
+    enum class TrackingArea : std::int8_t { worldwide, nearMyLocations };
 
     bool isEnabled = true;
     TrackingArea trackingArea = TrackingArea::worldwide;

@@ -25,7 +25,7 @@ Result<std::vector<Place>, SavedPlacesError> SavedPlaces::all() const {
     if (data == nullptr) {
         return std::unexpected(SavedPlacesError{"the value under \"places\" is not data"});
     }
-    return decoded(platform::textOf(*data));
+    return decoded(*data);
 }
 
 Result<void, SavedPlacesError> SavedPlaces::replace(const std::vector<Place>& places) {
@@ -65,8 +65,8 @@ Result<std::string, SavedPlacesError> SavedPlaces::encoded(const std::vector<Pla
                 : std::unexpected(SavedPlacesError{text.error().message()});
 }
 
-Result<std::vector<Place>, SavedPlacesError> SavedPlaces::decoded(std::string_view json) {
-    auto places = platform::JSONDecoder().decode<std::vector<Place>>(json);
+Result<std::vector<Place>, SavedPlacesError> SavedPlaces::decoded(const platform::Data& json) {
+    auto places = platform::JSONDecoder().decodeList<Place>(json);
     return places ? Result<std::vector<Place>, SavedPlacesError>(std::move(*places))
                   : std::unexpected(SavedPlacesError{places.error().message()});
 }

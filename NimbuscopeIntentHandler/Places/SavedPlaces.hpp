@@ -39,7 +39,7 @@ class SavedPlaces {
     [[nodiscard]] static platform::Result<std::string, SavedPlacesError> encoded(const std::vector<Place>& places);
 
     /// The list that such bytes hold; the error names the faulty element and key ("[2].name: missing key").
-    [[nodiscard]] static platform::Result<std::vector<Place>, SavedPlacesError> decoded(std::string_view json);
+    [[nodiscard]] static platform::Result<std::vector<Place>, SavedPlacesError> decoded(const platform::Data& json);
 
   private:
     template <class Change>

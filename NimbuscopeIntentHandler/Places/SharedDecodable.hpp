@@ -16,10 +16,10 @@ struct SharedDecodable {
 
 template <class T>
 struct nimbuscope::platform::JSONReader<nimbuscope::SharedDecodable<T>> {
-    static DecodingResult read(JSONElement json, SharedDecodable<T>& element) {
-        if (!JSONReader<T>::read(json, element.base.emplace())) {
+    static DecodingFault read(JSONElement json, SharedDecodable<T>& element) {
+        if (JSONReader<T>::read(json, element.base.emplace())) {
             element.base.reset();
         }
-        return {};
+        return nullptr;
     }
 };

@@ -23,7 +23,7 @@ SharedStorage::SharedStorage(platform::NSUserDefaultsSuites& suites) : groupStor
 std::vector<Place> SharedStorage::places() const {
     const auto stored = groupStorage_->object(placesKey);
     const auto* data = stored && *stored ? (*stored)->as<platform::Data>() : nullptr;
-    return data != nullptr ? decodePlaces(platform::textOf(*data)) : std::vector<Place>{};
+    return data != nullptr ? decodePlaces(*data) : std::vector<Place>{};
 }
 
 std::optional<Place> SharedStorage::currentPlace() const {
@@ -50,7 +50,7 @@ std::vector<std::shared_ptr<SharedStorageObserver>> SharedStorage::observers() c
     return alive;
 }
 
-std::vector<Place> decodePlaces(std::string_view json) {
+std::vector<Place> decodePlaces(const platform::Data& json) {
     std::vector<Place> places;
     platform::JSONDecoder decoder;
     const auto decoded = decoder.decodeEach<SharedDecodable<Place>>(json, [&](SharedDecodable<Place>&& element) {
@@ -58,7 +58,7 @@ std::vector<Place> decodePlaces(std::string_view json) {
             places.push_back(std::move(*element.base));
         }
     });
-    // Elements never fail, so this is a text that is no list: nothing was taken from it.
+    // Elements never fail: this is a text that is no list, of which nothing counts.
     if (!decoded) {
         return {};
     }

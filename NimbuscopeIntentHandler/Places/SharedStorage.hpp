@@ -50,6 +50,6 @@ class SharedStorage {
 };
 
 /// The places of a stored list, malformed ones left out, the current one first; none for what is no list.
-[[nodiscard]] std::vector<Place> decodePlaces(std::string_view json);
+[[nodiscard]] std::vector<Place> decodePlaces(const platform::Data& json);
 
 }  // namespace nimbuscope

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <concepts>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <string>
@@ -11,8 +13,10 @@
 
 #include "Platform/Coding/Enumeration.hpp"
 #include "Platform/Coding/Fields.hpp"
+#include "Platform/Coding/JSONArrayReader.hpp"
 #include "Platform/Coding/JSONDocument.hpp"
 #include "Platform/Coding/KeyIndex.hpp"
+#include "Platform/Core/Data.hpp"
 
 /// Decoding of records, and of what they are made of, from JSON.
 ///
@@ -22,18 +26,17 @@
 /// whose value is integral and in range; booleans, numbers and texts never stand for each other.
 namespace nimbuscope::platform {
 
-using DecodingResult = Result<void, DecodingError>;
-
-/// Reads a `T` from a JSON value: `static DecodingResult read(JSONElement, T&)`. Types other than those
-/// below take part by a specialisation beside their definition. After an error the value is unspecified.
+/// Reads a `T` from a JSON value: `static DecodingFault read(JSONElement, T&)`. Types other than those
+/// below take part by a specialisation beside their definition. The T is as it is made
+/// by default; after a fault it is unspecified.
 template <class T>
 struct JSONReader;
 
 template <>
 struct JSONReader<bool> {
-    static DecodingResult read(JSONElement json, bool& value) {
+    static DecodingFault read(JSONElement json, bool& value) {
         if (json.get(value) != simdjson::SUCCESS) {
-            return std::unexpected(typeMismatch("a boolean", json));
+            return typeMismatch("a boolean", json);
         }
         return {};
     }
@@ -41,10 +44,10 @@ struct JSONReader<bool> {
 
 template <std::floating_point T>
 struct JSONReader<T> {
-    static DecodingResult read(JSONElement json, T& value) {
+    static DecodingFault read(JSONElement json, T& value) {
         double number = 0;
         if (json.get(number) != simdjson::SUCCESS) {
-            return std::unexpected(typeMismatch("a number", json));
+            return typeMismatch("a number", json);
         }
         value = static_cast<T>(number);
         return {};
@@ -53,33 +56,32 @@ struct JSONReader<T> {
 
 template <std::signed_integral T>
 struct JSONReader<T> {
-    static DecodingResult read(JSONElement json, T& value) {
+    static DecodingFault read(JSONElement json, T& value) {
         std::int64_t number = 0;
         if (json.get(number) != simdjson::SUCCESS) {
-            const DecodingResult real = readReal(json, number);
-            if (!real) {
+            if (DecodingFault real = readReal(json, number)) {
                 return real;
             }
         }
         if (!std::in_range<T>(number)) {
-            return std::unexpected(DecodingError{{}, "the number is out of range"});
+            return fault("the number is out of range");
         }
         value = static_cast<T>(number);
         return {};
     }
 
   private:
-    static DecodingResult readReal(JSONElement json, std::int64_t& number) {
+    static DecodingFault readReal(JSONElement json, std::int64_t& number) {
         double real = 0;
         if (json.get(real) != simdjson::SUCCESS) {
-            return std::unexpected(typeMismatch("an integer", json));
+            return typeMismatch("an integer", json);
         }
         constexpr double limit = 0x1p63;
         if (real < -limit || real >= limit) {
-            return std::unexpected(DecodingError{{}, "the number is out of range"});
+            return fault("the number is out of range");
         }
         if (std::trunc(real) != real) {
-            return std::unexpected(DecodingError{{}, "expected an integer, found a fraction"});
+            return fault("expected an integer, found a fraction");
         }
         number = static_cast<std::int64_t>(real);
         return {};
@@ -88,10 +90,10 @@ struct JSONReader<T> {
 
 template <>
 struct JSONReader<std::string> {
-    static DecodingResult read(JSONElement json, std::string& value) {
+    static DecodingFault read(JSONElement json, std::string& value) {
         std::string_view text;
         if (json.get(text) != simdjson::SUCCESS) {
-            return std::unexpected(typeMismatch("a text", json));
+            return typeMismatch("a text", json);
         }
         value.assign(text);
         return {};
@@ -100,17 +102,16 @@ struct JSONReader<std::string> {
 
 template <class T>
 struct JSONReader<std::vector<T>> {
-    static DecodingResult read(JSONElement json, std::vector<T>& values) {
+    static DecodingFault read(JSONElement json, std::vector<T>& values) {
         simdjson::dom::array array;
         if (json.get(array) != simdjson::SUCCESS) {
-            return std::unexpected(typeMismatch("an array", json));
+            return typeMismatch("an array", json);
         }
         values.clear();
         values.reserve(array.size());
         for (const JSONElement element : array) {
-            const DecodingResult read = JSONReader<T>::read(element, values.emplace_back());
-            if (!read) {
-                return std::unexpected(inElement(values.size() - 1, read.error()));
+            if (DecodingFault inner = JSONReader<T>::read(element, values.emplace_back())) {
+                return inElement(values.size() - 1, std::move(inner));
             }
         }
         return {};
@@ -119,15 +120,14 @@ struct JSONReader<std::vector<T>> {
 
 template <Enumeration E>
 struct JSONReader<E> {
-    static DecodingResult read(JSONElement json, E& value) {
+    static DecodingFault read(JSONElement json, E& value) {
         std::conditional_t<std::same_as<RawValue<E>, std::int64_t>, std::int64_t, std::string> raw{};
-        const DecodingResult read = JSONReader<decltype(raw)>::read(json, raw);
-        if (!read) {
-            return read;
+        if (DecodingFault mismatch = JSONReader<decltype(raw)>::read(json, raw)) {
+            return mismatch;
         }
         const std::optional<E> found = fromRawValue<E>(raw);
         if (!found) {
-            return std::unexpected(DecodingError{{}, "the value is none of the allowed ones"});
+            return fault("the value is none of the allowed ones");
         }
         value = *found;
         return {};
@@ -151,13 +151,11 @@ template <Record T>
 class FieldValues {
   public:
     explicit FieldValues(simdjson::dom::object object) {
-        std::size_t expected = 0;
         for (const auto [name, value] : object) {
-            const std::size_t position = keyIndex<T>.find(name, expected);
+            const std::size_t position = keyIndex<T>.find(name);
             if (position != keyIndex<T>.notFound) {
                 isPresent_[position] = !value.is_null();
                 values_[position] = value;
-                expected = position + 1;
             }
         }
     }
@@ -172,50 +170,76 @@ class FieldValues {
 };
 
 template <class Value>
-DecodingResult readField(const JSONElement* json, bool mayBeMissing, Value& value) {
+DecodingFault readField(const JSONElement* json, bool mayBeMissing, Value& value) {
     if constexpr (isOptional<Value>) {
         value.reset();
-        return json != nullptr ? JSONReader<typename Value::value_type>::read(*json, value.emplace())
-                               : DecodingResult{};
+        return json != nullptr ? JSONReader<typename Value::value_type>::read(*json, value.emplace()) : nullptr;
     } else {
         if (json != nullptr) {
             return JSONReader<Value>::read(*json, value);
         }
-        return mayBeMissing ? DecodingResult{} : std::unexpected(DecodingError{{}, "missing key"});
+        return mayBeMissing ? nullptr : fault("missing key");
     }
 }
 
-/// Reads the fields with a default, or those without, in the order of the table, up to the first error.
+/// Reads the fields with a default, or those without, in the order of the table, up to the first fault.
 template <bool withDefault, Record T, std::size_t... I>
-DecodingResult readFields(const FieldValues<T>& values, T& record, std::index_sequence<I...> /*positions*/) {
-    DecodingResult result;
+DecodingFault readFields(const FieldValues<T>& values, T& record, std::index_sequence<I...> /*positions*/) {
+    DecodingFault found;
     const auto readOne = [&]<std::size_t position>() {
         constexpr auto field = std::get<position>(T::fields);
         if constexpr (field.hasDefault == withDefault) {
-            result = readField(values.at(position), withDefault, record.*field.member);
-            if (!result) {
-                result = std::unexpected(inKey(field.key, std::move(result.error())));
+            if (DecodingFault inner = readField(values.at(position), withDefault, record.*field.member)) {
+                found = inKey(field.key, std::move(inner));
+                return false;
             }
         }
-        return result.has_value();
+        return true;
     };
     static_cast<void>((readOne.template operator()<I>() && ...));
-    return result;
+    return found;
+}
+
+/// Reads a record whose keys come in the order of the table, as the encoder writes them, straight through. False
+/// when it is any other, or has a fault; what has been read of it then is to be read again.
+template <Record T, std::size_t... I>
+bool readInOrder(simdjson::dom::object object, T& record, std::index_sequence<I...> /*positions*/) {
+    auto next = object.begin();
+    const auto end = object.end();
+    const auto readOne = [&]<std::size_t position>() {
+        constexpr auto field = std::get<position>(T::fields);
+        constexpr bool mayBeMissing = field.hasDefault || isOptional<typename decltype(field)::Value>;
+        // The length is a constant, with which the comparison compiles to a few instructions.
+        if (!(next != end) || next.key_length() != field.key.size() ||
+            std::memcmp(next.key_c_str(), field.key.data(), field.key.size()) != 0) {
+            return mayBeMissing;
+        }
+        const JSONElement value = next.value();
+        ++next;
+        return value.is_null() ? mayBeMissing : readField(&value, false, record.*field.member) == nullptr;
+    };
+    return (readOne.template operator()<I>() && ...) && !(next != end);
 }
 
 }  // namespace detail
 
 template <Record T>
 struct JSONReader<T> {
-    static DecodingResult read(JSONElement json, T& record) {
+    static DecodingFault read(JSONElement json, T& record) {
         simdjson::dom::object object;
         if (json.get(object) != simdjson::SUCCESS) {
-            return std::unexpected(typeMismatch("an object", json));
+            return typeMismatch("an object", json);
         }
-        const detail::FieldValues<T> values(object);
         constexpr auto positions = std::make_index_sequence<fieldCount<T>>{};
-        DecodingResult result = detail::readFields<false>(values, record, positions);
-        return result ? detail::readFields<true>(values, record, positions) : result;
+        if (detail::readInOrder(object, record, positions)) {
+            return nullptr;
+        }
+        record = T{};
+        const detail::FieldValues<T> values(object);
+        if (DecodingFault found = detail::readFields<false>(values, record, positions)) {
+            return found;
+        }
+        return detail::readFields<true>(values, record, positions);
     }
 };
 
@@ -223,46 +247,72 @@ struct JSONReader<T> {
 class JSONDecoder {
   public:
     /// The value of type T that `json` holds.
+    /// `slack` is how many bytes behind the text may be read as well (see `JSONDocument::parse`).
     template <class T>
-    [[nodiscard]] Result<T, DecodingError> decode(std::string_view json) {
-        const auto root = document_.parse(json);
+    [[nodiscard]] Result<T, DecodingError> decode(std::string_view json, std::size_t slack = 0) {
+        const auto root = document_.parse(json, slack);
         if (!root) {
             return std::unexpected(root.error());
         }
         Result<T, DecodingError> value;
-        const DecodingResult read = JSONReader<T>::read(*root, *value);
-        if (!read) {
-            return std::unexpected(read.error());
+        if (DecodingFault found = JSONReader<T>::read(*root, *value)) {
+            return std::unexpected(std::move(*found));
         }
         return value;
     }
 
-    /// Decodes the elements of an array one by one and hands each to `take(T&&)`, in order, so that the list of
-    /// them need not exist. Elements before a faulty one have been handed out when the error comes back.
+    /// Decodes the elements of an array one by one and hands each to `take(T&&)`, in order. For long lists: takes
+    /// little memory beside the text. What stands before a fault has been handed out when the error comes back.
     template <class T, std::invocable<T&&> Take>
-    [[nodiscard]] DecodingResult decodeEach(std::string_view json, Take take) {
-        const auto root = document_.parse(json);
-        if (!root) {
-            return std::unexpected(root.error());
-        }
-        simdjson::dom::array array;
-        if (root->get(array) != simdjson::SUCCESS) {
-            return std::unexpected(typeMismatch("an array", *root));
-        }
-        std::size_t index = 0;
-        for (const JSONElement element : array) {
+    [[nodiscard]] Result<void, DecodingError> decodeEach(const Data& json, Take take) {
+        return visitElements(json, [&](JSONElement element, std::size_t /*expected*/) {
             T value{};
-            const DecodingResult read = JSONReader<T>::read(element, value);
-            if (!read) {
-                return std::unexpected(inElement(index, read.error()));
+            DecodingFault found = JSONReader<T>::read(element, value);
+            if (!found) {
+                take(std::move(value));
             }
-            take(std::move(value));
-            ++index;
+            return found;
+        });
+    }
+
+    /// The list that `json` holds; takes little memory beside the text and the list.
+    template <class T>
+    [[nodiscard]] Result<std::vector<T>, DecodingError> decodeList(const Data& json) {
+        std::vector<T> values;
+        auto visited = visitElements(json, [&](JSONElement element, std::size_t expected) {
+            if (values.empty()) {
+                values.reserve(std::min(expected, json.size() / sizeof(T)));  // never more memory than the text has
+            }
+            return JSONReader<T>::read(element, values.emplace_back());
+        });
+        if (!visited) {
+            return std::unexpected(std::move(visited.error()));
         }
-        return {};
+        return values;
     }
 
   private:
+    /// Calls `visit(element, expected)`, where `expected` is about how many elements the whole array has.
+    template <class Visit>
+    [[nodiscard]] Result<void, DecodingError> visitElements(const Data& json, Visit visit) {
+        JSONArrayReader reader(document_, textOf(json), json.capacity() - json.size());
+        for (std::size_t index = 0;;) {
+            const auto elements = reader.next();
+            if (!elements) {
+                return std::unexpected(elements.error());
+            }
+            if (!*elements) {
+                return {};
+            }
+            for (const JSONElement element : **elements) {
+                if (DecodingFault inner = visit(element, reader.expectedCount())) {
+                    return std::unexpected(std::move(*inElement(index, std::move(inner))));
+                }
+                ++index;
+            }
+        }
+    }
+
     JSONDocument document_;
 };
 

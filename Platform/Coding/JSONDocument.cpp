@@ -112,9 +112,9 @@ std::string_view kindOf(JSONElement element) {
 
 }  // namespace
 
-Result<JSONElement, DecodingError> JSONDocument::parse(std::string_view text) {
+Result<JSONElement, DecodingError> JSONDocument::parse(std::string_view text, std::size_t slack) {
     JSONElement root;
-    auto code = parser_.parse(text.data(), text.size()).get(root);
+    auto code = parser_.parse(text.data(), text.size(), slack < enough).get(root);
     if (code == simdjson::NUMBER_ERROR) {
         const std::string widened = withRepresentableNumbers(text);
         code = parser_.parse(widened).get(root);
@@ -125,8 +125,22 @@ Result<JSONElement, DecodingError> JSONDocument::parse(std::string_view text) {
     return root;
 }
 
-DecodingError typeMismatch(std::string_view expected, JSONElement found) {
-    return {{}, "expected " + std::string(expected) + ", found " + std::string(kindOf(found))};
+DecodingFault fault(std::string_view reason) {
+    return std::make_unique<DecodingError>(DecodingError{{}, std::string(reason)});
+}
+
+DecodingFault typeMismatch(std::string_view expected, JSONElement found) {
+    return fault("expected " + std::string(expected) + ", found " + std::string(kindOf(found)));
+}
+
+DecodingFault inKey(std::string_view key, DecodingFault inner) {
+    *inner = inKey(key, std::move(*inner));
+    return inner;
+}
+
+DecodingFault inElement(std::size_t index, DecodingFault inner) {
+    *inner = inElement(index, std::move(*inner));
+    return inner;
 }
 
 bool isValidUTF8(std::string_view text) {

@@ -2,6 +2,8 @@
 
 #include <simdjson.h>
 
+#include <cstddef>
+#include <memory>
 #include <string_view>
 
 #include "Platform/Coding/CodingError.hpp"
@@ -21,14 +23,27 @@ using JSONElement = simdjson::dom::element;
 class JSONDocument {
   public:
     /// Parses `text`, which is not needed afterwards. The error names the byte at which the text goes wrong.
-    [[nodiscard]] Result<JSONElement, DecodingError> parse(std::string_view text);
+    /// `slack` is how many bytes behind the text may be read as well; with `enough` of them the text need not be
+    /// copied first.
+    [[nodiscard]] Result<JSONElement, DecodingError> parse(std::string_view text, std::size_t slack = 0);
+    static constexpr std::size_t enough = simdjson::SIMDJSON_PADDING;
 
   private:
     simdjson::dom::parser parser_;
 };
 
-/// The error for a value of the wrong kind: "expected a boolean, found a number".
-[[nodiscard]] DecodingError typeMismatch(std::string_view expected, JSONElement found);
+/// What is wrong with a value; null when nothing is. A pointer, so that what is sound costs no more than a test.
+using DecodingFault = std::unique_ptr<DecodingError>;
+
+/// A fault at the value itself.
+[[nodiscard]] DecodingFault fault(std::string_view reason);
+
+/// The fault of a value of the wrong kind: "expected a boolean, found a number".
+[[nodiscard]] DecodingFault typeMismatch(std::string_view expected, JSONElement found);
+
+/// A fault, found inside the value of `key` or inside an element of an array.
+[[nodiscard]] DecodingFault inKey(std::string_view key, DecodingFault inner);
+[[nodiscard]] DecodingFault inElement(std::size_t index, DecodingFault inner);
 
 /// True when `text` is valid UTF-8 (RFC 3629).
 [[nodiscard]] bool isValidUTF8(std::string_view text);

@@ -8,9 +8,8 @@
 
 namespace nimbuscope::platform::detail {
 
-/// Finds the position of a key in a fixed table of N keys: one comparison when keys come in the order of the
-/// table, one hash and one comparison otherwise, known key or not. The hash (FNV-1a with a seed) is made free
-/// of collisions when the table is compiled.
+/// Finds the position of a key in a fixed table of N keys with one hash and one comparison. The hash (FNV-1a with a
+/// seed) is made free of collisions when the table is compiled.
 template <std::size_t N>
 class KeyIndex {
   public:
@@ -22,11 +21,8 @@ class KeyIndex {
         }
     }
 
-    /// The position of `key`, or `notFound`. `expected` is where the caller thinks it is.
-    [[nodiscard]] constexpr std::size_t find(std::string_view key, std::size_t expected) const {
-        if (expected < N && keys_[expected] == key) [[likely]] {
-            return expected;
-        }
+    /// The position of `key`, or `notFound`.
+    [[nodiscard]] constexpr std::size_t find(std::string_view key) const {
         const std::size_t position = slots_[slot(key)];
         return position < N && keys_[position] == key ? position : notFound;
     }

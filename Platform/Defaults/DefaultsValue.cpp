@@ -65,7 +65,7 @@ Result<DefaultsValue, DecodingError> arrayValue(simdjson::dom::array array) {
 Result<DefaultsValue, DecodingError> dataValue(JSONElement json) {
     std::string_view text;
     if (json.get(text) != simdjson::SUCCESS) {
-        return std::unexpected(inKey(dataKey, typeMismatch("a base-64 text", json)));
+        return std::unexpected(*inKey(dataKey, typeMismatch("a base-64 text", json)));
     }
     auto bytes = base64Decoded(text);
     if (!bytes) {

@@ -67,7 +67,7 @@ Result<std::shared_ptr<INIntent>, DecodingError> INExtensionDispatcher::intent(c
     }
     simdjson::dom::object object;
     if (params->get(object) != simdjson::SUCCESS) {
-        return std::unexpected(inKey("params", typeMismatch("an object", *params)));
+        return std::unexpected(*inKey("params", typeMismatch("an object", *params)));
     }
     JSONElement json;
     if (object["intent"].get(json) != simdjson::SUCCESS) {
@@ -83,9 +83,8 @@ Result<std::shared_ptr<INIntent>, DecodingError> INExtensionDispatcher::intent(c
     }
     auto intent = known->make();
     if (form->parameters) {
-        const auto restored = intent->restore(*form->parameters);
-        if (!restored) {
-            return std::unexpected(inKey("params.intent.parameters", restored.error()));
+        if (const DecodingFault found = intent->restore(*form->parameters)) {
+            return std::unexpected(inKey("params.intent.parameters", *found));
         }
     }
     return intent;

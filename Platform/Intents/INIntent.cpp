@@ -16,10 +16,10 @@ struct ParameterWriter {
 
 }  // namespace
 
-DecodingResult INIntent::restore(JSONElement parameters) {
+DecodingFault INIntent::restore(JSONElement parameters) {
     simdjson::dom::object object;
     if (parameters.get(object) != simdjson::SUCCESS) {
-        return std::unexpected(typeMismatch("an object", parameters));
+        return typeMismatch("an object", parameters);
     }
     std::map<std::string_view, INParameterValue> values;
     for (const INParameter& parameter : parameterTable()) {
@@ -29,12 +29,12 @@ DecodingResult INIntent::restore(JSONElement parameters) {
         }
         auto value = parameter.decode(json);
         if (!value) {
-            return std::unexpected(inKey(parameter.name, std::move(value.error())));
+            return std::make_unique<DecodingError>(inKey(parameter.name, std::move(value.error())));
         }
         values.emplace(parameter.name, std::move(*value));
     }
     values_ = std::move(values);
-    return {};
+    return nullptr;
 }
 
 void writeJSON(JSONWriter& writer, const INIntent& intent) {
@@ -63,21 +63,20 @@ Result<std::string, EncodingError> archived(const INIntent& intent) {
 Result<INIntentForm, DecodingError> INIntentForm::read(JSONElement json) {
     simdjson::dom::object object;
     if (json.get(object) != simdjson::SUCCESS) {
-        return std::unexpected(typeMismatch("an object", json));
+        return std::unexpected(*typeMismatch("an object", json));
     }
     INIntentForm form;
     JSONElement value;
     if (object["class"].get(value) != simdjson::SUCCESS) {
         return std::unexpected(DecodingError{"class", "missing key"});
     }
-    const auto name = JSONReader<std::string>::read(value, form.className);
-    if (!name) {
-        return std::unexpected(inKey("class", name.error()));
+    if (const DecodingFault found = JSONReader<std::string>::read(value, form.className)) {
+        return std::unexpected(inKey("class", *found));
     }
     if (object["parameters"].get(value) == simdjson::SUCCESS && !value.is_null()) {
         form.parameters = value;
         if (!value.is_object()) {
-            return std::unexpected(inKey("parameters", typeMismatch("an object", value)));
+            return std::unexpected(*inKey("parameters", typeMismatch("an object", value)));
         }
     }
     return form;

@@ -32,7 +32,7 @@ class INIntent : public NSObject {
 
     /// Takes the parameters from an object of values by name. Null counts as absent, other names are ignored. The
     /// error's path begins with the parameter's name; the intent is then as it was.
-    [[nodiscard]] DecodingResult restore(JSONElement parameters);
+    [[nodiscard]] DecodingFault restore(JSONElement parameters);
 
     /// Writes {"class": …, "parameters": {…}} with the parameters that have a value, in the order of the table.
     friend void writeJSON(JSONWriter& writer, const INIntent& intent);
@@ -81,24 +81,24 @@ class INIntent : public NSObject {
 template <class T>
 Result<INParameterValue, DecodingError> decodeScalarParameter(JSONElement json) {
     T value{};
-    const auto read = JSONReader<T>::read(json, value);
-    return read ? Result<INParameterValue, DecodingError>(value) : std::unexpected(read.error());
+    const DecodingFault found = JSONReader<T>::read(json, value);
+    return found ? std::unexpected(*found) : Result<INParameterValue, DecodingError>(value);
 }
 
 /// Reads a parameter that is an enumeration with integer raw values; a raw value without a case is an error.
 template <Enumeration E>
 Result<INParameterValue, DecodingError> decodeEnumerationParameter(JSONElement json) {
     E value{};
-    const auto read = JSONReader<E>::read(json, value);
-    return read ? Result<INParameterValue, DecodingError>(rawValue(value)) : std::unexpected(read.error());
+    const DecodingFault found = JSONReader<E>::read(json, value);
+    return found ? std::unexpected(*found) : Result<INParameterValue, DecodingError>(rawValue(value));
 }
 
 /// Reads a parameter that is an object of class T.
 template <std::derived_from<INObject> T>
 Result<INParameterValue, DecodingError> decodeObjectParameter(JSONElement json) {
     auto object = std::make_shared<T>();
-    const auto read = object->restore(json);
-    return read ? Result<INParameterValue, DecodingError>(std::move(object)) : std::unexpected(read.error());
+    const DecodingFault found = object->restore(json);
+    return found ? std::unexpected(*found) : Result<INParameterValue, DecodingError>(std::move(object));
 }
 
 /// An intent as the bytes of its keyed form.
@@ -126,9 +126,8 @@ template <std::derived_from<INIntent> T>
         return std::unexpected(DecodingError{"class", "another class of intent: " + form->className});
     }
     if (form->parameters) {
-        const auto restored = intent->restore(*form->parameters);
-        if (!restored) {
-            return std::unexpected(inKey("parameters", restored.error()));
+        if (const DecodingFault found = intent->restore(*form->parameters)) {
+            return std::unexpected(inKey("parameters", *found));
         }
     }
     return intent;

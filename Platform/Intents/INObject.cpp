@@ -19,15 +19,14 @@ struct ObjectRecord {
 
 }  // namespace
 
-DecodingResult INObject::restore(JSONElement json) {
+DecodingFault INObject::restore(JSONElement json) {
     ObjectRecord record;
-    const auto read = JSONReader<ObjectRecord>::read(json, record);
-    if (!read) {
-        return read;
+    if (DecodingFault found = JSONReader<ObjectRecord>::read(json, record)) {
+        return found;
     }
     if (record.className != className()) {
-        return std::unexpected(DecodingError{
-            "class", "expected \"" + std::string(className()) + "\", found \"" + record.className + '"'});
+        return inKey("class",
+                     fault("expected \"" + std::string(className()) + "\", found \"" + record.className + '"'));
     }
     identifier_ = std::move(record.identifier);
     displayString_ = std::move(record.display);

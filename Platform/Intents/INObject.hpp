@@ -31,7 +31,7 @@ class INObject : public NSObject {
     [[nodiscard]] const std::optional<std::string>& pronunciationHint() const { return pronunciationHint_; }
 
     /// Takes the properties from the keyed form that `writeJSON` writes. The class must be this object's.
-    [[nodiscard]] DecodingResult restore(JSONElement json);
+    [[nodiscard]] DecodingFault restore(JSONElement json);
 
     /// Writes the keyed form: "class", "identifier", "display", then "pronunciationHint" where there is one, then
     /// what the class adds.
@@ -40,7 +40,7 @@ class INObject : public NSObject {
   protected:
     /// The keys that a class adds to the keyed form.
     virtual void writeMore(JSONWriter& /*writer*/) const {}
-    [[nodiscard]] virtual DecodingResult restoreMore(JSONElement /*json*/) { return {}; }
+    [[nodiscard]] virtual DecodingFault restoreMore(JSONElement /*json*/) { return nullptr; }
 
   private:
     std::optional<std::string> identifier_;
@@ -56,10 +56,12 @@ template <std::derived_from<INObject> T>
 [[nodiscard]] Result<std::shared_ptr<T>, DecodingError> unarchived(std::string_view bytes) {
     JSONDocument document;
     const auto root = document.parse(bytes);
+    if (!root) {
+        return std::unexpected(root.error());
+    }
     auto object = std::make_shared<T>();
-    const auto restored = root ? object->restore(*root) : std::unexpected(root.error());
-    if (!restored) {
-        return std::unexpected(restored.error());
+    if (const DecodingFault found = object->restore(*root)) {
+        return std::unexpected(*found);
     }
     return object;
 }

@@ -357,7 +357,10 @@ DefaultsResult<DefaultsValue> SQLiteUserDefaults::value(const SQLiteStatement& r
         case StoredType::data:
             if (found == SQLITE_BLOB) {
                 const auto bytes = row.bytes(1);
-                return Data(bytes.begin(), bytes.end());
+                Data data;
+                data.reserve(bytes.size() + JSONDocument::enough);  // data is mostly JSON: spare its parser a copy
+                data.assign(bytes.begin(), bytes.end());
+                return data;
             }
             break;
         case StoredType::array:

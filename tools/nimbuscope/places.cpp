@@ -41,7 +41,7 @@ CommandResult<void> list(const platform::NSUserDefaults& group, bool isJSON, std
         return std::unexpected(CommandError{"store", stored.error().message()});
     }
     const auto* data = *stored ? (*stored)->as<platform::Data>() : nullptr;
-    const auto places = data != nullptr ? decodePlaces(platform::textOf(*data)) : std::vector<Place>{};
+    const auto places = data != nullptr ? decodePlaces(*data) : std::vector<Place>{};
     if (!isJSON) {
         output = tableOf(places);
         return {};
@@ -70,7 +70,7 @@ CommandResult<void> importFrom(SavedPlaces& places, const std::string& file) {
     if (!bytes) {
         return std::unexpected(bytes.error());
     }
-    const auto read = SavedPlaces::decoded(platform::textOf(*bytes));
+    const auto read = SavedPlaces::decoded(*bytes);
     if (!read) {
         return std::unexpected(CommandError{file, read.error().reason});
     }
