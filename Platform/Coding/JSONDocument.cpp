@@ -56,9 +56,9 @@ bool isNumberCharacter(char c) {
 /// magnitudes that no double has become a value that fits no field.
 std::string representableNumber(std::string_view token) {
     double value = 0;
-    const auto [end, error] = std::from_chars(token.data(), token.data() + token.size(), value);
-    if (error == std::errc::result_out_of_range && std::abs(value) > 1) {
-        return "[[]]";
+    const auto error = std::from_chars(token.data(), token.data() + token.size(), value).ec;
+    if (error == std::errc::result_out_of_range) {
+        return token.find("e-") != token.npos || token.find("E-") != token.npos ? "0.0" : "[[]]";
     }
     const bool isInteger = token.find_first_of(".eE") == std::string_view::npos;
     return std::string(token) + (isInteger && token.size() > 18 ? "e0" : "");

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <charconv>
+
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
 #include "CommandLine.hpp"
 #include "Files.hpp"
@@ -151,6 +153,15 @@ CommandResult<void> write(const CommandLine& commandLine, const WriteOptions& op
     return stored ? CommandResult<void>{} : std::unexpected(storeError(stored.error()));
 }
 
+std::int64_t integerOf(const std::string& text) {
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc{} || end != text.data() + text.size()) {
+        throw CLI::ConversionError("--int: \"" + text + "\" is no integer of 64 bits with sign");
+    }
+    return number;
+}
+
 void addWrite(CommandLine& commandLine, CLI::App& noun) {
     const auto options = std::make_shared<WriteOptions>();
     auto& verb = commandLine.addVerb(
@@ -159,7 +170,9 @@ void addWrite(CommandLine& commandLine, CLI::App& noun) {
     verb.add_option("KEY", options->key, "Key of the value")->required();
     auto& value = *verb.add_option_group("value", "Exactly one of");
     value.add_option("--bool", options->boolean, "true or false");
-    value.add_option("--int", options->integer, "Integer of 64 bits");
+    // Parsed here: the library's own conversion turns what does not fit into the nearest value that does.
+    value.add_option_function<std::string>(
+        "--int", [options](const std::string& text) { options->integer = integerOf(text); }, "Integer of 64 bits");
     value.add_option("--double", options->real, "Finite number");
     value.add_option("--string", options->string, "Text");
     value.add_option("--data", options->dataFile, "File whose bytes are stored")->type_name("FILE");
