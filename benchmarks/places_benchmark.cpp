@@ -1,5 +1,5 @@
-// Decoding a list of saved places: the decoder against a tree with get<> and against a reader written by hand, and a
-// long list against a short one. Times are per place.
+// Decoding a list of saved places: the decoder against a tree with get<> and against a reader written by
+// hand, and a long list against a short one. Times are per place.
 
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
 #include "Platform/Coding/JSONDecoder.hpp"
@@ -27,16 +27,17 @@ bool compareAt(std::size_t count, int rounds) {
     const platform::Data json = storedList(count);
     const auto unit = static_cast<double>(count);
     const std::string title = std::to_string(count) + " places";
-    return compare(title,
-                   {decoder(json, count),
-                    {"by hand",
-                     [&] {
-                         simdjson::ondemand::parser parser;
-                         benchmark::DoNotOptimize(decodeOnDemand(parser, json));
-                     },
-                     unit},
-                    {"tree and get<>", [&] { benchmark::DoNotOptimize(decodeWithTree(platform::textOf(json))); }, unit}},
-                   {{1, 1.3}, {2, 1.0 / 8}}, rounds);
+    return compare(
+        title,
+        {decoder(json, count),
+         {"by hand",
+          [&] {
+              simdjson::ondemand::parser parser;
+              benchmark::DoNotOptimize(decodeOnDemand(parser, json));
+          },
+          unit},
+         {"tree and get<>", [&] { benchmark::DoNotOptimize(decodeWithTree(platform::textOf(json))); }, unit}},
+        {{1, 1.3}, {2, 1.0 / 8}}, rounds);
 }
 
 }  // namespace

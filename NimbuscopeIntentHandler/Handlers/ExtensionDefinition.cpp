@@ -69,7 +69,8 @@ std::array<platform::INOperation, 4> radarWidgetOperations() {
     return {{
         {"provideLocationOptionsCollection", name,
          [](const Handler& handler, const IntentPointer& intent, INReplyHandler reply) {
-             radarWidget(handler).provideLocationOptionsCollection(radarIntent(intent), sendingTo(std::move(reply)));
+             radarWidget(handler).provideLocationOptionsCollection(radarIntent(intent),
+                                                                   sendingTo(std::move(reply)));
          }},
         {"defaultLocation", name,
          [](const Handler& handler, const IntentPointer& intent, INReplyHandler reply) {
@@ -105,15 +106,17 @@ constexpr platform::INIntentDefinition definitionOf{
     Intent::name, []() -> IntentPointer { return std::make_shared<Intent>(); }};
 
 constexpr std::array intents{
-    definitionOf<ConfigurationIntent>, definitionOf<WeatherRadarMapIntent>, definitionOf<RadarMapIntent>,
-    definitionOf<SatelliteMapIntent>,  definitionOf<WeatherForecastIntent>, definitionOf<CurrentWeatherIntent>,
+    definitionOf<ConfigurationIntent>,   definitionOf<WeatherRadarMapIntent>,
+    definitionOf<RadarMapIntent>,        definitionOf<SatelliteMapIntent>,
+    definitionOf<WeatherForecastIntent>, definitionOf<CurrentWeatherIntent>,
 };
 
 }  // namespace
 
 platform::INExtensionDefinition extensionDefinition(IntentServices services) {
     static const std::vector<platform::INOperation> operations = allOperations();
-    return {.makePrincipal = [services = std::move(services)] { return std::make_shared<IntentHandler>(services); },
+    return {.makePrincipal = [services =
+                                  std::move(services)] { return std::make_shared<IntentHandler>(services); },
             .intents = intents,
             .operations = operations};
 }

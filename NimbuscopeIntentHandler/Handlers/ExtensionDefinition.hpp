@@ -5,8 +5,8 @@
 
 namespace nimbuscope {
 
-/// The extension as the system calls it: an `IntentHandler` over `services` as the principal object, the six classes
-/// of intents, and the operations that each one's handler has.
+/// The extension as the system calls it: an `IntentHandler` over `services` as the principal object, the six
+/// classes of intents, and the operations that each one's handler has.
 [[nodiscard]] platform::INExtensionDefinition extensionDefinition(IntentServices services);
 
 }  // namespace nimbuscope

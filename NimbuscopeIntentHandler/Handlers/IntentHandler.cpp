@@ -61,7 +61,8 @@ void IntentHandler::provideMapColorSchemeOptionsCollection(
     completion(std::make_shared<MapColorSchemeCollection>(std::move(options)));
 }
 
-std::shared_ptr<MapColorScheme> IntentHandler::defaultMapColorScheme(const WeatherRadarMapIntent& /*intent*/) {
+std::shared_ptr<MapColorScheme> IntentHandler::defaultMapColorScheme(
+    const WeatherRadarMapIntent& /*intent*/) {
     return schemeOption(ColorSchemePreference::universalBlue, services_.bundle);
 }
 

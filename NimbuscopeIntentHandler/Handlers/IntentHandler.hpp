@@ -19,7 +19,8 @@ class IntentHandler final : public platform::INExtension,
 
     [[nodiscard]] std::string_view className() const override { return "IntentHandler"; }
 
-    /// A new handler for a shortcut intent; this object for any other. Must itself be held by a shared pointer.
+    /// A new handler for a shortcut intent; this object for any other. Must itself be held by a shared
+    /// pointer.
     [[nodiscard]] std::shared_ptr<NSObject> handler(const platform::INIntent& intent) override;
 
     void provideLocationOptionsCollection(
@@ -27,14 +28,16 @@ class IntentHandler final : public platform::INExtension,
         platform::CompletionHandler<std::shared_ptr<ForecastLocationCollection>> completion) override;
 
     /// The place of the current location, else the first place, else none.
-    [[nodiscard]] std::shared_ptr<ForecastLocation> defaultLocation(const WeatherRadarMapIntent& intent) override;
+    [[nodiscard]] std::shared_ptr<ForecastLocation> defaultLocation(
+        const WeatherRadarMapIntent& intent) override;
 
     /// One option per colour scheme, in the order of the scheme list.
     void provideMapColorSchemeOptionsCollection(
         const WeatherRadarMapIntent& intent,
         platform::CompletionHandler<std::shared_ptr<MapColorSchemeCollection>> completion) override;
 
-    [[nodiscard]] std::shared_ptr<MapColorScheme> defaultMapColorScheme(const WeatherRadarMapIntent& intent) override;
+    [[nodiscard]] std::shared_ptr<MapColorScheme> defaultMapColorScheme(
+        const WeatherRadarMapIntent& intent) override;
 
   private:
     IntentServices services_;

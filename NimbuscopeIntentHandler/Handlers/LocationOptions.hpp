@@ -16,7 +16,8 @@ template <class Object>
 
 /// One option per place, in the order of the places.
 template <class Object>
-[[nodiscard]] std::shared_ptr<platform::INObjectCollection<Object>> locationOptions(const std::vector<Place>& places) {
+[[nodiscard]] std::shared_ptr<platform::INObjectCollection<Object>> locationOptions(
+    const std::vector<Place>& places) {
     std::vector<std::shared_ptr<Object>> options;
     options.reserve(places.size());
     for (const Place& place : places) {

@@ -4,7 +4,8 @@
 
 namespace nimbuscope::shortcut {
 
-platform::AsyncBody<std::shared_ptr<LocationCollection>> locationOptions(std::function<SharedStorage&()> storage) {
+platform::AsyncBody<std::shared_ptr<LocationCollection>> locationOptions(
+    std::function<SharedStorage&()> storage) {
     co_return nimbuscope::locationOptions<Location>(storage().places());
 }
 
@@ -14,9 +15,8 @@ platform::AsyncBody<LocationResolutionResult> resolve(std::shared_ptr<Location> 
 }
 
 platform::NSUserActivity activity(const ShortcutScreen& screen, const Location& location) {
-    platform::NSUserActivity activity{.activityType = "SiriShortcut",
-                                      .title = std::string(screen.title),
-                                      .userInfo = screen.userInfo};
+    platform::NSUserActivity activity{
+        .activityType = "SiriShortcut", .title = std::string(screen.title), .userInfo = screen.userInfo};
     activity.userInfo["place_id"] = location.identifier().value_or("");
     return activity;
 }

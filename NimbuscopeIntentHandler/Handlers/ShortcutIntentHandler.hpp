@@ -51,7 +51,8 @@ class ShortcutIntentHandler : public platform::NSObject, public Handling {
 
     void handle(std::shared_ptr<Intent> intent,
                 platform::CompletionHandler<std::shared_ptr<Response>> completion) override {
-        services_.tasks.start(shortcut::handle<Response>(intent->location(), screen()), std::move(completion));
+        services_.tasks.start(shortcut::handle<Response>(intent->location(), screen()),
+                              std::move(completion));
     }
 
     void resolveLocation(std::shared_ptr<Intent> intent,
@@ -87,7 +88,9 @@ class SatelliteMapIntentHandler final : public ShortcutIntentHandler<SatelliteMa
     [[nodiscard]] std::string_view className() const override { return "SatelliteMapIntentHandler"; }
 
   protected:
-    [[nodiscard]] ShortcutScreen screen() const override { return {"Satellite Map", {{"map_layer", "satellite"}}}; }
+    [[nodiscard]] ShortcutScreen screen() const override {
+        return {"Satellite Map", {{"map_layer", "satellite"}}};
+    }
 };
 
 class WeatherForecastIntentHandler final : public ShortcutIntentHandler<WeatherForecastIntentHandling> {

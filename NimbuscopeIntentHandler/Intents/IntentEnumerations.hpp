@@ -15,7 +15,13 @@ constexpr auto caseTable(MapType) {
 }
 
 /// The weakest precipitation that a radar widget shows.
-enum class PercipitationIntensity : std::int64_t { unknown = 0, light = 1, moderate = 2, heavy = 3, hail = 4 };
+enum class PercipitationIntensity : std::int64_t {
+    unknown = 0,
+    light = 1,
+    moderate = 2,
+    heavy = 3,
+    hail = 4
+};
 
 constexpr auto caseTable(PercipitationIntensity) {
     using enum PercipitationIntensity;

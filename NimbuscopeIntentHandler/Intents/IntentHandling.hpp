@@ -35,8 +35,10 @@ class ShortcutIntentHandling {
 
 using RadarMapIntentHandling = ShortcutIntentHandling<RadarMapIntent, RadarMapIntentResponse>;
 using SatelliteMapIntentHandling = ShortcutIntentHandling<SatelliteMapIntent, SatelliteMapIntentResponse>;
-using WeatherForecastIntentHandling = ShortcutIntentHandling<WeatherForecastIntent, WeatherForecastIntentResponse>;
-using CurrentWeatherIntentHandling = ShortcutIntentHandling<CurrentWeatherIntent, CurrentWeatherIntentResponse>;
+using WeatherForecastIntentHandling =
+    ShortcutIntentHandling<WeatherForecastIntent, WeatherForecastIntentResponse>;
+using CurrentWeatherIntentHandling =
+    ShortcutIntentHandling<CurrentWeatherIntent, CurrentWeatherIntentResponse>;
 
 /// The operations on the configuration of a radar widget; completions are called before the return.
 class WeatherRadarMapIntentHandling {
@@ -47,7 +49,8 @@ class WeatherRadarMapIntentHandling {
     virtual void provideLocationOptionsCollection(
         const WeatherRadarMapIntent& intent,
         platform::CompletionHandler<std::shared_ptr<ForecastLocationCollection>> completion) = 0;
-    [[nodiscard]] virtual std::shared_ptr<ForecastLocation> defaultLocation(const WeatherRadarMapIntent& intent) = 0;
+    [[nodiscard]] virtual std::shared_ptr<ForecastLocation> defaultLocation(
+        const WeatherRadarMapIntent& intent) = 0;
 
     /// Lists the colour schemes that may be chosen, and names the one to start with.
     virtual void provideMapColorSchemeOptionsCollection(

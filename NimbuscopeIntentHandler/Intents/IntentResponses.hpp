@@ -26,7 +26,8 @@ enum class IntentResponseCode : std::int64_t {
 
 constexpr auto caseTable(IntentResponseCode) {
     using enum IntentResponseCode;
-    return std::array{unspecified, ready, continueInApp, inProgress, success, failure, failureRequiringAppLaunch};
+    return std::array{
+        unspecified, ready, continueInApp, inProgress, success, failure, failureRequiringAppLaunch};
 }
 
 using ConfigurationIntentResponseCode = IntentResponseCode;

@@ -24,7 +24,8 @@ class LocationIntent : public platform::INIntent {
     void setLocation(std::shared_ptr<Object> location) { setObject("location", std::move(location)); }
 
   private:
-    static constexpr std::array table{platform::INParameter{"location", &platform::decodeObjectParameter<Object>}};
+    static constexpr std::array table{
+        platform::INParameter{"location", &platform::decodeObjectParameter<Object>}};
 };
 
 /// Shows the radar map of a place.
@@ -65,7 +66,9 @@ class WeatherRadarMapIntent final : public platform::INIntent {
     [[nodiscard]] std::string_view className() const override { return name; }
     [[nodiscard]] std::span<const platform::INParameter> parameterTable() const override { return table; }
 
-    [[nodiscard]] std::shared_ptr<ForecastLocation> location() const { return object<ForecastLocation>("location"); }
+    [[nodiscard]] std::shared_ptr<ForecastLocation> location() const {
+        return object<ForecastLocation>("location");
+    }
     void setLocation(std::shared_ptr<ForecastLocation> value) { setObject("location", std::move(value)); }
 
     [[nodiscard]] std::optional<MapType> mapType() const { return enumeration<MapType>("mapType"); }
@@ -77,7 +80,9 @@ class WeatherRadarMapIntent final : public platform::INIntent {
     [[nodiscard]] std::shared_ptr<MapColorScheme> mapColorScheme() const {
         return object<MapColorScheme>("mapColorScheme");
     }
-    void setMapColorScheme(std::shared_ptr<MapColorScheme> value) { setObject("mapColorScheme", std::move(value)); }
+    void setMapColorScheme(std::shared_ptr<MapColorScheme> value) {
+        setObject("mapColorScheme", std::move(value));
+    }
 
     [[nodiscard]] std::optional<bool> enhancedColors() const { return scalar<bool>("enhancedColors"); }
     void setEnhancedColors(std::optional<bool> value) { setScalar("enhancedColors", value); }
@@ -88,7 +93,9 @@ class WeatherRadarMapIntent final : public platform::INIntent {
     [[nodiscard]] std::optional<PercipitationIntensity> minIntensity() const {
         return enumeration<PercipitationIntensity>("minIntensity");
     }
-    void setMinIntensity(std::optional<PercipitationIntensity> value) { setEnumeration("minIntensity", value); }
+    void setMinIntensity(std::optional<PercipitationIntensity> value) {
+        setEnumeration("minIntensity", value);
+    }
 
     [[nodiscard]] std::optional<bool> snow() const { return scalar<bool>("snow"); }
     void setSnow(std::optional<bool> value) { setScalar("snow", value); }

@@ -43,7 +43,8 @@ Result<void, SavedPlacesError> SavedPlaces::replace(const std::vector<Place>& pl
 Result<void, SavedPlacesError> SavedPlaces::add(const Place& place) {
     return edit([&](std::vector<Place>& places) -> Result<void, SavedPlacesError> {
         if (std::ranges::find(places, place.id, &Place::id) != places.end()) {
-            return std::unexpected(SavedPlacesError{"there is a place with the id \"" + place.id + "\" already"});
+            return std::unexpected(
+                SavedPlacesError{"there is a place with the id \"" + place.id + "\" already"});
         }
         places.push_back(place);
         return {};

@@ -15,9 +15,9 @@ struct SavedPlacesError {
     std::string reason;
 };
 
-/// The writing side of the saved places: strict, and whole or not at all. A list with an element that cannot be
-/// read is not touched, since writing it back would lose that element. Each change is one transaction, so that
-/// changes by several processes at once all take effect.
+/// The writing side of the saved places: strict, and whole or not at all. A list with an element that cannot
+/// be read is not touched, since writing it back would lose that element. Each change is one transaction, so
+/// that changes by several processes at once all take effect.
 class SavedPlaces {
   public:
     /// Works on the application group's store, which must outlive this object.
@@ -36,10 +36,12 @@ class SavedPlaces {
     [[nodiscard]] platform::Result<void, SavedPlacesError> remove(std::string_view id);
 
     /// The list as the bytes that are stored for it.
-    [[nodiscard]] static platform::Result<std::string, SavedPlacesError> encoded(const std::vector<Place>& places);
+    [[nodiscard]] static platform::Result<std::string, SavedPlacesError> encoded(
+        const std::vector<Place>& places);
 
     /// The list that such bytes hold; the error names the faulty element and key ("[2].name: missing key").
-    [[nodiscard]] static platform::Result<std::vector<Place>, SavedPlacesError> decoded(const platform::Data& json);
+    [[nodiscard]] static platform::Result<std::vector<Place>, SavedPlacesError> decoded(
+        const platform::Data& json);
 
   private:
     template <class Change>

@@ -53,11 +53,12 @@ std::vector<std::shared_ptr<SharedStorageObserver>> SharedStorage::observers() c
 std::vector<Place> decodePlaces(const platform::Data& json) {
     std::vector<Place> places;
     platform::JSONDecoder decoder;
-    const auto decoded = decoder.decodeEach<SharedDecodable<Place>>(json, [&](SharedDecodable<Place>&& element) {
-        if (element.base) {
-            places.push_back(std::move(*element.base));
-        }
-    });
+    const auto decoded =
+        decoder.decodeEach<SharedDecodable<Place>>(json, [&](SharedDecodable<Place>&& element) {
+            if (element.base) {
+                places.push_back(std::move(*element.base));
+            }
+        });
     // Elements never fail: this is a text that is no list, of which nothing counts.
     if (!decoded) {
         return {};

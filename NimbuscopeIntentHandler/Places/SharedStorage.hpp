@@ -29,8 +29,9 @@ class SharedStorage {
     /// The process's one instance over the user's store, made with the first call.
     [[nodiscard]] static SharedStorage& shared();
 
-    /// The places that can be read, the one for the current location first, the others as they are stored. What
-    /// cannot be read is left out; a store that cannot be read has no places. Read afresh with every call.
+    /// The places that can be read, the one for the current location first, the others as they are stored.
+    /// What cannot be read is left out; a store that cannot be read has no places. Read afresh with every
+    /// call.
     [[nodiscard]] std::vector<Place> places() const;
 
     /// The first of `places` that stands for the current location.

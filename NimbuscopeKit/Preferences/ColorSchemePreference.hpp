@@ -8,8 +8,8 @@
 
 namespace nimbuscope {
 
-/// The user's choice of the radar's colours. The raw value is the scheme number of the palette library; the numbers
-/// in between (9, 10, 18 to 20, 24 to 30) are never assigned.
+/// The user's choice of the radar's colours. The raw value is the scheme number of the palette library; the
+/// numbers in between (9, 10, 18 to 20, 24 to 30) are never assigned.
 enum class ColorSchemePreference : std::int64_t {
     original = 1,
     highContrast = 2,
@@ -36,13 +36,26 @@ enum class ColorSchemePreference : std::int64_t {
 /// The order is that in which users are offered the schemes.
 constexpr auto caseTable(ColorSchemePreference) {
     using enum ColorSchemePreference;
-    return std::array{original,          highContrast, orange,
-                      universalBlue,     blackWhite,   tessaly,
-                      tessalyModified,   white,        theWeatherChannel,
-                      darkSky,           storm,        noaaRadarPro,
-                      radarScopeSuperReflectivity,     radarScopeClassic,
-                      Meteored,          nexred,       rainbow,
-                      gimet2010,         titan,        ncmae};
+    return std::array{original,
+                      highContrast,
+                      orange,
+                      universalBlue,
+                      blackWhite,
+                      tessaly,
+                      tessalyModified,
+                      white,
+                      theWeatherChannel,
+                      darkSky,
+                      storm,
+                      noaaRadarPro,
+                      radarScopeSuperReflectivity,
+                      radarScopeClassic,
+                      Meteored,
+                      nexred,
+                      rainbow,
+                      gimet2010,
+                      titan,
+                      ncmae};
 }
 
 /// The scheme's name in the user's language; the English name is the key of the translation.

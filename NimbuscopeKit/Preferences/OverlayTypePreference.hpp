@@ -22,7 +22,8 @@ enum class OverlayTypePreference : std::int64_t {
 
 constexpr auto caseTable(OverlayTypePreference) {
     using enum OverlayTypePreference;
-    return std::array{radar,  satellite, radarAndSatellite, singleRadar, globalRainAndSnow, radarExtendedForecast,
+    return std::array{radar,       satellite,         radarAndSatellite,
+                      singleRadar, globalRainAndSnow, radarExtendedForecast,
                       temperature};
 }
 

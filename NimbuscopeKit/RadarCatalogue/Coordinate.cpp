@@ -11,7 +11,8 @@ Coordinate Coordinate::sliderShifted(double by, double distance, double bearing)
     constexpr double metresPerStep = 0.0004;        // of the slider, for each metre of distance
     const double phi = latitude * degree;
     const double delta = distance * metresPerStep * by / -equatorialRadius;
-    const double shifted = std::asin(std::sin(phi) * std::cos(delta) + std::cos(phi) * std::sin(delta) * std::cos(bearing));
+    const double shifted =
+        std::asin(std::sin(phi) * std::cos(delta) + std::cos(phi) * std::sin(delta) * std::cos(bearing));
     return {shifted / degree, longitude};
 }
 

@@ -8,7 +8,7 @@ namespace nimbuscope::platform {
 
 /// Why a document, or one value in it, could not be read or written.
 struct CodingError {
-    std::string path;    ///< JSON path of the faulty value ("radars[3].location"); empty for the whole document
+    std::string path;  ///< JSON path of the faulty value ("radars[3].location"); empty for the whole document
     std::string reason;  ///< what is wrong there: expected and found
 
     /// Path and reason in one line.

@@ -7,8 +7,8 @@ constexpr std::size_t stretchSize = std::size_t{64} << 10U;
 constexpr int mostTries = 8;
 constexpr std::string_view whitespace = " \t\r\n";
 
-/// The first comma at or after `from` that stands between a closing and an opening brace. Whether it stands between
-/// two elements, or deeper, or in a text, only parsing tells.
+/// The first comma at or after `from` that stands between a closing and an opening brace. Whether it stands
+/// between two elements, or deeper, or in a text, only parsing tells.
 std::size_t commaBetweenObjects(std::string_view text, std::size_t from) {
     for (std::size_t comma = text.find(',', from); comma != text.npos; comma = text.find(',', comma + 1)) {
         const std::size_t before = text.find_last_not_of(whitespace, comma - 1);
@@ -34,8 +34,8 @@ Result<std::optional<simdjson::dom::array>, DecodingError> JSONArrayReader::next
     return rest();
 }
 
-/// Tries to parse the text up to a likely end of an element as an array of its own. When that is valid, the end was
-/// one: what begins at an element and is a valid list of elements ends with one.
+/// Tries to parse the text up to a likely end of an element as an array of its own. When that is valid, the
+/// end was one: what begins at an element and is a valid list of elements ends with one.
 std::optional<simdjson::dom::array> JSONArrayReader::nextStretch() {
     std::size_t comma = taken_ + stretchSize;
     for (int i = 0; i < mostTries; ++i) {

@@ -9,16 +9,17 @@
 
 namespace nimbuscope::platform {
 
-/// Parses a text that is one JSON array, a stretch of elements at a time, so that what the parser makes of them
-/// stays in the processor's cache and a list of any length takes little memory. One thread at a time.
+/// Parses a text that is one JSON array, a stretch of elements at a time, so that what the parser makes of
+/// them stays in the processor's cache and a list of any length takes little memory. One thread at a time.
 class JSONArrayReader {
   public:
     /// `text` must stay while this object is used; `slack` as for `JSONDocument::parse`.
     JSONArrayReader(JSONDocument& document, std::string_view text, std::size_t slack)
         : document_(document), text_(text), slack_(slack) {}
 
-    /// The next elements, valid until the next call; none at the end. The error is that of the whole text, which
-    /// shows at the latest where the text goes wrong: elements before that place may have been handed out.
+    /// The next elements, valid until the next call; none at the end. The error is that of the whole text,
+    /// which shows at the latest where the text goes wrong: elements before that place may have been handed
+    /// out.
     [[nodiscard]] Result<std::optional<simdjson::dom::array>, DecodingError> next();
 
     /// About how many elements the array has, judged by the first of them; 0 before `next`.

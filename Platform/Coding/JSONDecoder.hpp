@@ -20,10 +20,10 @@
 
 /// Decoding of records, and of what they are made of, from JSON.
 ///
-/// Strict: a missing required key, a value of another kind or an unknown raw value of an enumeration fails the
-/// whole, and the error carries the JSON path of the first fault in the order of the field tables. Null counts as
-/// missing, unknown keys are ignored, of a repeated key the last counts. An integer may be written as a real
-/// whose value is integral and in range; booleans, numbers and texts never stand for each other.
+/// Strict: a missing required key, a value of another kind or an unknown raw value of an enumeration fails
+/// the whole, and the error carries the JSON path of the first fault in the order of the field tables. Null
+/// counts as missing, unknown keys are ignored, of a repeated key the last counts. An integer may be written
+/// as a real whose value is integral and in range; booleans, numbers and texts never stand for each other.
 namespace nimbuscope::platform {
 
 /// Reads a `T` from a JSON value: `static DecodingFault read(JSONElement, T&)`. Types other than those
@@ -143,7 +143,8 @@ inline constexpr bool isOptional<std::optional<T>> = true;
 
 template <Record T>
 inline constexpr auto keyIndex = [] {
-    return std::apply([](const auto&... field) { return KeyIndex<sizeof...(field)>({field.key...}); }, T::fields);
+    return std::apply([](const auto&... field) { return KeyIndex<sizeof...(field)>({field.key...}); },
+                      T::fields);
 }();
 
 /// The values of a record's keys, one place per field; a place without a value holds none.
@@ -173,7 +174,8 @@ template <class Value>
 DecodingFault readField(const JSONElement* json, bool mayBeMissing, Value& value) {
     if constexpr (isOptional<Value>) {
         value.reset();
-        return json != nullptr ? JSONReader<typename Value::value_type>::read(*json, value.emplace()) : nullptr;
+        return json != nullptr ? JSONReader<typename Value::value_type>::read(*json, value.emplace())
+                               : nullptr;
     } else {
         if (json != nullptr) {
             return JSONReader<Value>::read(*json, value);
@@ -200,8 +202,8 @@ DecodingFault readFields(const FieldValues<T>& values, T& record, std::index_seq
     return found;
 }
 
-/// Reads a record whose keys come in the order of the table, as the encoder writes them, straight through. False
-/// when it is any other, or has a fault; what has been read of it then is to be read again.
+/// Reads a record whose keys come in the order of the table, as the encoder writes them, straight through.
+/// False when it is any other, or has a fault; what has been read of it then is to be read again.
 template <Record T, std::size_t... I>
 bool readInOrder(simdjson::dom::object object, T& record, std::index_sequence<I...> /*positions*/) {
     auto next = object.begin();
@@ -261,8 +263,9 @@ class JSONDecoder {
         return value;
     }
 
-    /// Decodes the elements of an array one by one and hands each to `take(T&&)`, in order. For long lists: takes
-    /// little memory beside the text. What stands before a fault has been handed out when the error comes back.
+    /// Decodes the elements of an array one by one and hands each to `take(T&&)`, in order. For long lists:
+    /// takes little memory beside the text. What stands before a fault has been handed out when the error
+    /// comes back.
     template <class T, std::invocable<T&&> Take>
     [[nodiscard]] Result<void, DecodingError> decodeEach(const Data& json, Take take) {
         return visitElements(json, [&](JSONElement element, std::size_t /*expected*/) {
@@ -281,7 +284,8 @@ class JSONDecoder {
         std::vector<T> values;
         auto visited = visitElements(json, [&](JSONElement element, std::size_t expected) {
             if (values.empty()) {
-                values.reserve(std::min(expected, json.size() / sizeof(T)));  // never more memory than the text has
+                values.reserve(
+                    std::min(expected, json.size() / sizeof(T)));  // never more memory than the text has
             }
             return JSONReader<T>::read(element, values.emplace_back());
         });

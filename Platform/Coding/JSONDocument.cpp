@@ -8,8 +8,8 @@
 namespace nimbuscope::platform {
 namespace {
 
-/// Takes parse events and keeps the place of the first error: the slow parser that says where, for texts that the
-/// fast one refused.
+/// Takes parse events and keeps the place of the first error: the slow parser that says where, for texts that
+/// the fast one refused.
 struct ErrorLocator : nlohmann::json_sax<nlohmann::json> {
     std::size_t offset = 0;
 

@@ -17,14 +17,13 @@ using JSONElement = simdjson::dom::element;
 /// A parser of JSON texts (RFC 8259) that keeps its memory between documents.
 ///
 /// The whole text must be valid JSON in valid UTF-8, one value, nested at most 1,024 levels. Numbers beyond
-/// 64-bit integers are read as doubles; a number beyond the range of doubles reads as a value of no type that a
-/// field could have, so that it spoils the record that it stands in and nothing else.
-/// One thread at a time.
+/// 64-bit integers are read as doubles; a number beyond the range of doubles reads as a value of no type that
+/// a field could have, so that it spoils the record that it stands in and nothing else. One thread at a time.
 class JSONDocument {
   public:
     /// Parses `text`, which is not needed afterwards. The error names the byte at which the text goes wrong.
-    /// `slack` is how many bytes behind the text may be read as well; with `enough` of them the text need not be
-    /// copied first.
+    /// `slack` is how many bytes behind the text may be read as well; with `enough` of them the text need not
+    /// be copied first.
     [[nodiscard]] Result<JSONElement, DecodingError> parse(std::string_view text, std::size_t slack = 0);
     static constexpr std::size_t enough = simdjson::SIMDJSON_PADDING;
 
@@ -32,7 +31,8 @@ class JSONDocument {
     simdjson::dom::parser parser_;
 };
 
-/// What is wrong with a value; null when nothing is. A pointer, so that what is sound costs no more than a test.
+/// What is wrong with a value; null when nothing is. A pointer, so that what is sound costs no more than a
+/// test.
 using DecodingFault = std::unique_ptr<DecodingError>;
 
 /// A fault at the value itself.

@@ -54,8 +54,9 @@ template <JSONEncodable T>
 void writeJSON(JSONWriter& writer, const T& value) {
     if constexpr (Record<T>) {
         writer.beginObject();
-        std::apply([&](const auto&... field) { (detail::writeField(writer, field.key, value.*field.member), ...); },
-                   T::fields);
+        std::apply(
+            [&](const auto&... field) { (detail::writeField(writer, field.key, value.*field.member), ...); },
+            T::fields);
         writer.endObject();
     } else if constexpr (Enumeration<T>) {
         writer.value(rawValue(value));

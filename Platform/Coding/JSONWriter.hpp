@@ -14,11 +14,10 @@ namespace nimbuscope::platform {
 
 /// Writes one JSON text (RFC 8259), value by value, without spaces or line breaks.
 ///
-/// Calls must nest as the document does: a key before each value inside an object, as many ends as beginnings.
-/// Integers are written in full, doubles with the shortest text that reads back the same, independent of the
-/// locale. A value that JSON cannot hold (a text that is not UTF-8, a number that is not finite) is remembered as
-/// the error with its path, and `finish` returns it.
-/// One thread at a time.
+/// Calls must nest as the document does: a key before each value inside an object, as many ends as
+/// beginnings. Integers are written in full, doubles with the shortest text that reads back the same,
+/// independent of the locale. A value that JSON cannot hold (a text that is not UTF-8, a number that is not
+/// finite) is remembered as the error with its path, and `finish` returns it. One thread at a time.
 class JSONWriter {
   public:
     void beginObject() { begin('{', false); }

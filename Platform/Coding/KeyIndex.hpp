@@ -8,8 +8,8 @@
 
 namespace nimbuscope::platform::detail {
 
-/// Finds the position of a key in a fixed table of N keys with one hash and one comparison. The hash (FNV-1a with a
-/// seed) is made free of collisions when the table is compiled.
+/// Finds the position of a key in a fixed table of N keys with one hash and one comparison. The hash (FNV-1a
+/// with a seed) is made free of collisions when the table is compiled.
 template <std::size_t N>
 class KeyIndex {
   public:

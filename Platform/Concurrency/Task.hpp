@@ -23,8 +23,8 @@ using AsyncBody = asio::awaitable<T>;
 template <class T>
 using CompletionHandler = std::move_only_function<void(Result<T, NSError>)>;
 
-/// Calls a completion handler exactly once: with the outcome it is given, or, when it goes without one, with an
-/// error that says so.
+/// Calls a completion handler exactly once: with the outcome it is given, or, when it goes without one, with
+/// an error that says so.
 template <class T>
 class Completion {
   public:
@@ -55,17 +55,19 @@ class TaskPool {
     /// The threads are made with the first task.
     explicit TaskPool(std::size_t threads) : threadCount_(threads) {}
 
-    /// Starts `body` and calls `handler` exactly once: with what the body returns, or with an error when it throws.
+    /// Starts `body` and calls `handler` exactly once: with what the body returns, or with an error when it
+    /// throws.
     template <class T>
     void start(AsyncBody<T> body, CompletionHandler<T> handler) {
-        asio::co_spawn(pool(), std::move(body),
-                       [completion = Completion<T>(std::move(handler))](std::exception_ptr thrown, T value) mutable {
-                           if (thrown) {
-                               completion.call(std::unexpected(errorOf(thrown)));
-                           } else {
-                               completion.call(std::move(value));
-                           }
-                       });
+        asio::co_spawn(
+            pool(), std::move(body),
+            [completion = Completion<T>(std::move(handler))](std::exception_ptr thrown, T value) mutable {
+                if (thrown) {
+                    completion.call(std::unexpected(errorOf(thrown)));
+                } else {
+                    completion.call(std::move(value));
+                }
+            });
     }
 
     /// Returns when every task that can end has ended. No task may be started afterwards.

@@ -81,7 +81,8 @@ Result<DefaultsValue, DecodingError> dictionaryValue(simdjson::dom::object objec
             return dataValue(element);
         }
         if (key.starts_with('$') && !key.starts_with("$$")) {
-            return std::unexpected(DecodingError{std::string(key), "a key that begins with \"$\" is written with two"});
+            return std::unexpected(
+                DecodingError{std::string(key), "a key that begins with \"$\" is written with two"});
         }
         auto value = defaultsValue(element);
         if (!value) {

@@ -34,10 +34,11 @@ struct DefaultsError {
 template <class T>
 using DefaultsResult = Result<T, DefaultsError>;
 
-/// A key-value store that outlives the process and is shared between processes: one suite, or the standard store.
+/// A key-value store that outlives the process and is shared between processes: one suite, or the standard
+/// store.
 ///
-/// Every write is on the disk when it returns, and is seen by the next read of any process. Readers do not wait for
-/// writers. Any thread may call; calls on one object are carried out one after another.
+/// Every write is on the disk when it returns, and is seen by the next read of any process. Readers do not
+/// wait for writers. Any thread may call; calls on one object are carried out one after another.
 class NSUserDefaults {
   public:
     virtual ~NSUserDefaults() = default;
@@ -48,8 +49,8 @@ class NSUserDefaults {
     /// Every key with its value, as of one moment.
     [[nodiscard]] virtual DefaultsResult<DefaultsDictionary> dictionaryRepresentation() const = 0;
 
-    /// Stores `value` under `key` in place of any other. Keys are UTF-8 text without NUL and not empty; doubles
-    /// are finite and texts UTF-8.
+    /// Stores `value` under `key` in place of any other. Keys are UTF-8 text without NUL and not empty;
+    /// doubles are finite and texts UTF-8.
     [[nodiscard]] virtual DefaultsResult<void> set(std::string_view key, const DefaultsValue& value) = 0;
 
     /// Removes the value under `key`, if there is one.
@@ -58,9 +59,9 @@ class NSUserDefaults {
     /// Returns once everything written so far is on the disk.
     [[nodiscard]] virtual DefaultsResult<void> synchronize() = 0;
 
-    /// Runs `body` while this caller alone may write the store, in any process; what `body` writes is kept as a
-    /// whole when it succeeds and dropped as a whole when it fails. The way to change a value that depends on what
-    /// is stored. `body` uses this object on the calling thread and starts no second transaction.
+    /// Runs `body` while this caller alone may write the store, in any process; what `body` writes is kept as
+    /// a whole when it succeeds and dropped as a whole when it fails. The way to change a value that depends
+    /// on what is stored. `body` uses this object on the calling thread and starts no second transaction.
     using Transaction = std::function<DefaultsResult<void>()>;
     [[nodiscard]] virtual DefaultsResult<void> transaction(const Transaction& body) = 0;
 };
@@ -70,8 +71,8 @@ class NSUserDefaultsSuites {
   public:
     virtual ~NSUserDefaultsSuites() = default;
 
-    /// The store that applications of one group share under the group's name. Opening the same name again gives
-    /// another object over the same store.
+    /// The store that applications of one group share under the group's name. Opening the same name again
+    /// gives another object over the same store.
     [[nodiscard]] virtual DefaultsResult<std::shared_ptr<NSUserDefaults>> suite(std::string_view name) = 0;
 
     /// The application's own store.

@@ -30,7 +30,8 @@ struct HandlerReply {
 
 }  // namespace
 
-void INExtensionDispatcher::call(std::string_view method, const JSONElement* params, INReplyHandler reply) const {
+void INExtensionDispatcher::call(std::string_view method, const JSONElement* params,
+                                 INReplyHandler reply) const {
     using Code = INCallError::Code;
     if (!isMethod(method)) {
         reply(std::unexpected(INCallError{Code::methodNotFound, "no method \"" + std::string(method) + '"'}));
@@ -49,19 +50,20 @@ void INExtensionDispatcher::call(std::string_view method, const JSONElement* par
     const std::string_view intentClass = (*request)->className();
     const INOperation* const found = operation(method, intentClass);
     if (found == nullptr) {
-        reply(std::unexpected(INCallError{
-            Code::methodNotFound, "no operation \"" + std::string(method) + "\" for " + std::string(intentClass)}));
+        reply(std::unexpected(INCallError{Code::methodNotFound, "no operation \"" + std::string(method) +
+                                                                    "\" for " + std::string(intentClass)}));
         return;
     }
     found->perform(handler, *request, std::move(reply));
 }
 
 bool INExtensionDispatcher::isMethod(std::string_view method) const {
-    return method == handlerMethod ||
-           std::ranges::find(definition_.operations, method, &INOperation::method) != definition_.operations.end();
+    return method == handlerMethod || std::ranges::find(definition_.operations, method,
+                                                        &INOperation::method) != definition_.operations.end();
 }
 
-Result<std::shared_ptr<INIntent>, DecodingError> INExtensionDispatcher::intent(const JSONElement* params) const {
+Result<std::shared_ptr<INIntent>, DecodingError> INExtensionDispatcher::intent(
+    const JSONElement* params) const {
     if (params == nullptr) {
         return std::unexpected(DecodingError{"params", "missing key"});
     }
@@ -77,7 +79,8 @@ Result<std::shared_ptr<INIntent>, DecodingError> INExtensionDispatcher::intent(c
     if (!form) {
         return std::unexpected(inKey("params.intent", form.error()));
     }
-    const auto known = std::ranges::find(definition_.intents, form->className, &INIntentDefinition::className);
+    const auto known =
+        std::ranges::find(definition_.intents, form->className, &INIntentDefinition::className);
     if (known == definition_.intents.end()) {
         return std::make_shared<UnknownIntent>(form->className);
     }
@@ -90,7 +93,8 @@ Result<std::shared_ptr<INIntent>, DecodingError> INExtensionDispatcher::intent(c
     return intent;
 }
 
-const INOperation* INExtensionDispatcher::operation(std::string_view method, std::string_view intentClass) const {
+const INOperation* INExtensionDispatcher::operation(std::string_view method,
+                                                    std::string_view intentClass) const {
     const auto found = std::ranges::find_if(definition_.operations, [&](const INOperation& candidate) {
         return candidate.method == method && candidate.intentClass == intentClass;
     });

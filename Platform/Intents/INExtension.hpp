@@ -53,17 +53,17 @@ struct INExtensionDefinition {
     std::span<const INOperation> operations;
 };
 
-/// Carries out calls by name on an extension: finds the intent's handler through the principal object, and the
-/// operation by method and class of intent. Beside the operations of the definition there is "handler", for every
-/// intent, which answers {"handler": CLASS}. Calls may be made from any thread.
+/// Carries out calls by name on an extension: finds the intent's handler through the principal object, and
+/// the operation by method and class of intent. Beside the operations of the definition there is "handler",
+/// for every intent, which answers {"handler": CLASS}. Calls may be made from any thread.
 class INExtensionDispatcher {
   public:
     /// Makes the principal object.
     explicit INExtensionDispatcher(INExtensionDefinition definition)
         : definition_(std::move(definition)), principal_(definition_.makePrincipal()) {}
 
-    /// Calls `method` with `params`, {"intent": {"class", "parameters"}}, which are not needed after the return.
-    /// Parameters that are absent altogether are a null pointer.
+    /// Calls `method` with `params`, {"intent": {"class", "parameters"}}, which are not needed after the
+    /// return. Parameters that are absent altogether are a null pointer.
     void call(std::string_view method, const JSONElement* params, INReplyHandler reply) const;
 
   private:

@@ -14,8 +14,8 @@
 
 namespace nimbuscope::platform {
 
-/// The value of an intent's parameter: a boolean, an integer (also the raw value of an enumeration), a number, or an
-/// object.
+/// The value of an intent's parameter: a boolean, an integer (also the raw value of an enumeration), a
+/// number, or an object.
 using INParameterValue = std::variant<bool, std::int64_t, double, std::shared_ptr<INObject>>;
 
 /// One parameter that a class of intents has: its name and how its value is read from the keyed form.
@@ -30,11 +30,12 @@ class INIntent : public NSObject {
     /// The parameters of the class, fixed at build time.
     [[nodiscard]] virtual std::span<const INParameter> parameterTable() const = 0;
 
-    /// Takes the parameters from an object of values by name. Null counts as absent, other names are ignored. The
-    /// error's path begins with the parameter's name; the intent is then as it was.
+    /// Takes the parameters from an object of values by name. Null counts as absent, other names are ignored.
+    /// The error's path begins with the parameter's name; the intent is then as it was.
     [[nodiscard]] DecodingFault restore(JSONElement parameters);
 
-    /// Writes {"class": …, "parameters": {…}} with the parameters that have a value, in the order of the table.
+    /// Writes {"class": …, "parameters": {…}} with the parameters that have a value, in the order of the
+    /// table.
     friend void writeJSON(JSONWriter& writer, const INIntent& intent);
 
   protected:
@@ -46,15 +47,17 @@ class INIntent : public NSObject {
     }
     template <class T>
     void setScalar(std::string_view name, std::optional<T> value) {
-        value ? static_cast<void>(values_.insert_or_assign(name, *value)) : static_cast<void>(values_.erase(name));
+        value ? static_cast<void>(values_.insert_or_assign(name, *value))
+              : static_cast<void>(values_.erase(name));
     }
 
     /// The very object that was set, or null.
     template <class T>
     [[nodiscard]] std::shared_ptr<T> object(std::string_view name) const {
         const auto found = values_.find(name);
-        return found != values_.end() ? std::static_pointer_cast<T>(std::get<std::shared_ptr<INObject>>(found->second))
-                                      : nullptr;
+        return found != values_.end()
+                   ? std::static_pointer_cast<T>(std::get<std::shared_ptr<INObject>>(found->second))
+                   : nullptr;
     }
     void setObject(std::string_view name, std::shared_ptr<INObject> value) {
         value ? static_cast<void>(values_.insert_or_assign(name, std::move(value)))

@@ -32,7 +32,8 @@ class INObjectResolutionResult {
         return {INResolution::disambiguation, std::move(choices)};
     }
     [[nodiscard]] static INObjectResolutionResult confirmationRequired(Object toConfirm) {
-        return {INResolution::confirmationRequired, toConfirm ? std::vector{toConfirm} : std::vector<Object>{}};
+        return {INResolution::confirmationRequired,
+                toConfirm ? std::vector{toConfirm} : std::vector<Object>{}};
     }
     [[nodiscard]] static INObjectResolutionResult needsValue() { return {INResolution::needsValue, {}}; }
 
@@ -49,7 +50,8 @@ class INObjectResolutionResult {
     std::vector<Object> objects_;
 };
 
-/// The same for one class of objects. The variants for objects of any class are not available: they stop the process.
+/// The same for one class of objects. The variants for objects of any class are not available: they stop the
+/// process.
 template <std::derived_from<INObject> T>
 class TypedObjectResolutionResult : public INObjectResolutionResult {
   public:
@@ -59,7 +61,8 @@ class TypedObjectResolutionResult : public INObjectResolutionResult {
     [[nodiscard]] static TypedObjectResolutionResult success(std::shared_ptr<T> resolved) {
         return INObjectResolutionResult::success(std::move(resolved));
     }
-    [[nodiscard]] static TypedObjectResolutionResult disambiguation(const std::vector<std::shared_ptr<T>>& choices) {
+    [[nodiscard]] static TypedObjectResolutionResult disambiguation(
+        const std::vector<std::shared_ptr<T>>& choices) {
         return INObjectResolutionResult::disambiguation({choices.begin(), choices.end()});
     }
     [[nodiscard]] static TypedObjectResolutionResult confirmationRequired(std::shared_ptr<T> toConfirm) {
@@ -71,19 +74,26 @@ class TypedObjectResolutionResult : public INObjectResolutionResult {
     [[noreturn]] static TypedObjectResolutionResult disambiguation(const std::vector<Object>& /*choices*/) {
         unavailable();
     }
-    [[noreturn]] static TypedObjectResolutionResult confirmationRequired(Object /*toConfirm*/) { unavailable(); }
+    [[noreturn]] static TypedObjectResolutionResult confirmationRequired(Object /*toConfirm*/) {
+        unavailable();
+    }
 
   private:
-    TypedObjectResolutionResult(INObjectResolutionResult result) : INObjectResolutionResult(std::move(result)) {}
+    TypedObjectResolutionResult(INObjectResolutionResult result)
+        : INObjectResolutionResult(std::move(result)) {}
 
-    [[noreturn]] static void unavailable() { fatalError("the variant for objects of any class is unavailable"); }
+    [[noreturn]] static void unavailable() {
+        fatalError("the variant for objects of any class is unavailable");
+    }
 };
 
 /// The answer to whether a parameter's enumeration value is acceptable; holds the raw value.
 template <Enumeration E>
 class INEnumResolutionResult {
   public:
-    [[nodiscard]] static INEnumResolutionResult success(E resolved) { return {INResolution::success, resolved}; }
+    [[nodiscard]] static INEnumResolutionResult success(E resolved) {
+        return {INResolution::success, resolved};
+    }
     [[nodiscard]] static INEnumResolutionResult confirmationRequired(E toConfirm) {
         return {INResolution::confirmationRequired, toConfirm};
     }
@@ -92,7 +102,8 @@ class INEnumResolutionResult {
     [[nodiscard]] std::int64_t value() const { return value_; }
 
   private:
-    INEnumResolutionResult(INResolution resolution, E value) : resolution_(resolution), value_(rawValue(value)) {}
+    INEnumResolutionResult(INResolution resolution, E value)
+        : resolution_(resolution), value_(rawValue(value)) {}
 
     INResolution resolution_;
     std::int64_t value_;

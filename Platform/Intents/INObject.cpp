@@ -11,10 +11,9 @@ struct ObjectRecord {
     std::string display;
     std::optional<std::string> pronunciationHint;
 
-    static constexpr auto fields =
-        std::tuple{key("class", &ObjectRecord::className), key("identifier", &ObjectRecord::identifier),
-                   key("display", &ObjectRecord::display),
-                   key("pronunciationHint", &ObjectRecord::pronunciationHint)};
+    static constexpr auto fields = std::tuple{
+        key("class", &ObjectRecord::className), key("identifier", &ObjectRecord::identifier),
+        key("display", &ObjectRecord::display), key("pronunciationHint", &ObjectRecord::pronunciationHint)};
 };
 
 }  // namespace
@@ -25,8 +24,8 @@ DecodingFault INObject::restore(JSONElement json) {
         return found;
     }
     if (record.className != className()) {
-        return inKey("class",
-                     fault("expected \"" + std::string(className()) + "\", found \"" + record.className + '"'));
+        return inKey("class", fault("expected \"" + std::string(className()) + "\", found \"" +
+                                    record.className + '"'));
     }
     identifier_ = std::move(record.identifier);
     displayString_ = std::move(record.display);

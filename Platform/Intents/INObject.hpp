@@ -33,8 +33,8 @@ class INObject : public NSObject {
     /// Takes the properties from the keyed form that `writeJSON` writes. The class must be this object's.
     [[nodiscard]] DecodingFault restore(JSONElement json);
 
-    /// Writes the keyed form: "class", "identifier", "display", then "pronunciationHint" where there is one, then
-    /// what the class adds.
+    /// Writes the keyed form: "class", "identifier", "display", then "pronunciationHint" where there is one,
+    /// then what the class adds.
     friend void writeJSON(JSONWriter& writer, const INObject& object);
 
   protected:

@@ -85,7 +85,11 @@ Error errorOf(const INCallError& error) {
 std::string resultLine(std::string_view id, std::string_view resultJSON) {
     std::string line;
     line.reserve(id.size() + resultJSON.size() + 40);
-    line.append(R"({"jsonrpc":"2.0","id":)").append(id).append(R"(,"result":)").append(resultJSON).append("}\n");
+    line.append(R"({"jsonrpc":"2.0","id":)")
+        .append(id)
+        .append(R"(,"result":)")
+        .append(resultJSON)
+        .append("}\n");
     return line;
 }
 
@@ -105,7 +109,9 @@ std::string errorLine(std::string_view id, const Error& error) {
     writer.endObject();
     writer.endObject();
     // Messages quote only text that came out of valid JSON.
-    return writer.finish().value_or(R"({"jsonrpc":"2.0","id":null,"error":{"code":-32603,"message":"error"}})") + '\n';
+    return writer.finish().value_or(
+               R"({"jsonrpc":"2.0","id":null,"error":{"code":-32603,"message":"error"}})") +
+           '\n';
 }
 
 }  // namespace nimbuscope::platform::jsonrpc

@@ -27,8 +27,8 @@ void GettextBundle::useLanguageOfUser() {
     if (std::setlocale(LC_MESSAGES, "") != nullptr) {
         return;
     }
-    // The locale is not installed. Catalogues are found all the same, by the name in LANGUAGE, once the message
-    // locale is any other than "C".
+    // The locale is not installed. Catalogues are found all the same, by the name in LANGUAGE, once the
+    // message locale is any other than "C".
     for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
         const char* name = std::getenv(variable);
         if (name != nullptr && *name != '\0') {

@@ -145,9 +145,9 @@ int NSExtensionMain(INExtensionDefinition definition, int input, int output) {
         if (outcome == LineReader::Outcome::line) {
             serve(dispatcher, document, lines.line(), replies);
         } else {
-            replies.write(jsonrpc::errorLine("null", {jsonrpc::Error::Code::parseError,
-                                                      "a line of more than " + std::to_string(longestLine) +
-                                                          " bytes"}));
+            replies.write(jsonrpc::errorLine(
+                "null", {jsonrpc::Error::Code::parseError,
+                         "a line of more than " + std::to_string(longestLine) + " bytes"}));
         }
     }
     replies.waitForAll();

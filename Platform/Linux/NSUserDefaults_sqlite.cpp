@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <mutex>
@@ -14,6 +13,7 @@
 #include "Platform/Core/Fatal.hpp"
 #include "Platform/Core/UUID.hpp"
 #include "Platform/Linux/SQLite.hpp"
+#include "Platform/Linux/StoredValue_sqlite.hpp"
 
 namespace nimbuscope::platform {
 namespace {
@@ -22,17 +22,6 @@ using Code = DefaultsError::Code;
 
 constexpr std::int64_t applicationId = 0x4E42'5344;  // "NBSD"
 constexpr std::int64_t formatVersion = 1;
-
-/// How the `type` column names the type of the value beside it. Stored: never renumber.
-enum class StoredType : std::int64_t {
-    boolean = 1,     // INTEGER 0 or 1
-    integer = 2,     // INTEGER
-    real = 3,        // REAL
-    string = 4,      // TEXT
-    data = 5,        // BLOB
-    array = 6,       // TEXT, JSON
-    dictionary = 7,  // TEXT, JSON
-};
 
 constexpr const char* schema =
     "PRAGMA journal_mode = WAL;"
@@ -63,7 +52,8 @@ Code codeOf(int sqliteCode) {
 
 class SQLiteUserDefaults final : public NSUserDefaults {
   public:
-    SQLiteUserDefaults(std::string path, int busyTimeout) : path_(std::move(path)), busyTimeout_(busyTimeout) {}
+    SQLiteUserDefaults(std::string path, int busyTimeout)
+        : path_(std::move(path)), busyTimeout_(busyTimeout) {}
 
     [[nodiscard]] DefaultsResult<std::optional<DefaultsValue>> object(std::string_view key) const override;
     [[nodiscard]] DefaultsResult<DefaultsDictionary> dictionaryRepresentation() const override;
@@ -97,7 +87,6 @@ class SQLiteUserDefaults final : public NSUserDefaults {
     [[nodiscard]] SQLiteResult<void> initialise(const std::string& path) const;
     [[nodiscard]] DefaultsResult<void> checkFormat(SQLiteConnection& connection) const;
     [[nodiscard]] DefaultsResult<DefaultsValue> value(const SQLiteStatement& row) const;
-    [[nodiscard]] DefaultsResult<void> bind(SQLiteStatement& insert, const DefaultsValue& value, std::string& json);
     [[nodiscard]] DefaultsResult<void> run(SQLiteStatement& statement) const;
 
     std::string path_;
@@ -176,10 +165,12 @@ DefaultsResult<void> SQLiteUserDefaults::set(std::string_view key, const Default
     }
     SQLiteStatement& insert = (*store)->insert;
     const ResetAtEnd reset(insert);
-    std::string json;
     insert.bind(1, key);
-    const auto bound = bind(insert, value, json);
-    return bound ? run(insert) : bound;
+    const StoredValue stored(value);
+    if (const auto fault = stored.bind(insert)) {
+        return error(Code::invalidValue, *fault);
+    }
+    return run(insert);
 }
 
 DefaultsResult<void> SQLiteUserDefaults::removeObject(std::string_view key) {
@@ -228,7 +219,7 @@ DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::open() const {
     if (open_) {
         return &*open_;
     }
-    struct stat information {};
+    struct stat information{};
     if (stat(path_.c_str(), &information) != 0) {
         if (errno == ENOENT) {
             return nullptr;
@@ -243,11 +234,13 @@ DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::open() const {
     if (!checked) {
         return std::unexpected(checked.error());
     }
-    Open store{.connection = std::move(*connection), .select = {}, .selectAll = {}, .insert = {}, .remove = {}};
+    Open store{
+        .connection = std::move(*connection), .select = {}, .selectAll = {}, .insert = {}, .remove = {}};
     for (const auto& [statement, sql] : {
              std::pair{&store.select, "SELECT type, value FROM defaults WHERE key = ?1"},
              std::pair{&store.selectAll, "SELECT type, value, key FROM defaults"},
-             std::pair{&store.insert, "INSERT OR REPLACE INTO defaults (key, type, value) VALUES (?1, ?2, ?3)"},
+             std::pair{&store.insert,
+                       "INSERT OR REPLACE INTO defaults (key, type, value) VALUES (?1, ?2, ?3)"},
              std::pair{&store.remove, "DELETE FROM defaults WHERE key = ?1"},
          }) {
         auto prepared = store.connection.prepare(sql);
@@ -291,8 +284,8 @@ DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::openOrCreate() {
     return open();
 }
 
-/// Makes the file beside its place and links it there complete: nobody ever sees a part of a store, and of two
-/// processes that create it at once, one wins.
+/// Makes the file beside its place and links it there complete: nobody ever sees a part of a store, and of
+/// two processes that create it at once, one wins.
 DefaultsResult<void> SQLiteUserDefaults::create() const {
     const std::string draft = path_ + ".new-" + UUID::random().uuidString();
     const int file = ::open(draft.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
@@ -317,9 +310,17 @@ SQLiteResult<void> SQLiteUserDefaults::initialise(const std::string& path) const
     if (!connection) {
         return std::unexpected(std::move(connection.error()));
     }
-    return connection->execute(std::string(schema) +                                            //
-                               "PRAGMA application_id = " + std::to_string(applicationId) + ";"  //
-                               "PRAGMA user_version = " + std::to_string(formatVersion) + "; COMMIT;");
+    return connection->execute(std::string(schema) +  //
+                               "PRAGMA application_id = " + std::to_string(applicationId) +
+                               ";"  //
+                               "PRAGMA user_version = " +
+                               std::to_string(formatVersion) + "; COMMIT;");
+}
+
+DefaultsResult<DefaultsValue> SQLiteUserDefaults::value(const SQLiteStatement& row) const {
+    auto read = StoredValue::read(row);
+    return read ? DefaultsResult<DefaultsValue>(std::move(*read))
+                : error(Code::damaged, "a stored value is not of its type");
 }
 
 DefaultsResult<void> SQLiteUserDefaults::run(SQLiteStatement& statement) const {
@@ -328,87 +329,6 @@ DefaultsResult<void> SQLiteUserDefaults::run(SQLiteStatement& statement) const {
         return error(done.error());
     }
     return {};
-}
-
-/// The value that the current row holds in its columns 0 (type) and 1 (value).
-DefaultsResult<DefaultsValue> SQLiteUserDefaults::value(const SQLiteStatement& row) const {
-    const int found = row.storageClass(1);
-    switch (static_cast<StoredType>(row.integer(0))) {
-        case StoredType::boolean:
-            if (found == SQLITE_INTEGER) {
-                return row.integer(1) != 0;
-            }
-            break;
-        case StoredType::integer:
-            if (found == SQLITE_INTEGER) {
-                return row.integer(1);
-            }
-            break;
-        case StoredType::real:
-            if (found == SQLITE_FLOAT) {
-                return row.real(1);
-            }
-            break;
-        case StoredType::string:
-            if (found == SQLITE_TEXT) {
-                return std::string(row.text(1));
-            }
-            break;
-        case StoredType::data:
-            if (found == SQLITE_BLOB) {
-                const auto bytes = row.bytes(1);
-                Data data;
-                data.reserve(bytes.size() + JSONDocument::enough);  // data is mostly JSON: spare its parser a copy
-                data.assign(bytes.begin(), bytes.end());
-                return data;
-            }
-            break;
-        case StoredType::array:
-        case StoredType::dictionary: {
-            JSONDocument document;
-            const auto json = document.parse(row.text(1));
-            auto container = json ? defaultsValue(*json) : std::unexpected(json.error());
-            if (container) {
-                return std::move(*container);
-            }
-            break;
-        }
-    }
-    return error(Code::damaged, "a stored value is not of its type");
-}
-
-/// Binds type and value; `json` holds what is borrowed until the statement is reset.
-DefaultsResult<void> SQLiteUserDefaults::bind(SQLiteStatement& insert, const DefaultsValue& value, std::string& json) {
-    const auto bindAs = [&](StoredType type, auto bound) -> DefaultsResult<void> {
-        insert.bind(2, static_cast<std::int64_t>(type));
-        insert.bind(3, bound);
-        return {};
-    };
-    if (const auto* boolean = value.as<bool>()) {
-        return bindAs(StoredType::boolean, std::int64_t{*boolean});
-    }
-    if (const auto* integer = value.as<std::int64_t>()) {
-        return bindAs(StoredType::integer, *integer);
-    }
-    if (const auto* bytes = value.as<Data>()) {
-        return bindAs(StoredType::data, std::span<const std::uint8_t>(*bytes));
-    }
-    // What is left must be fit for JSON, as the scalars inside containers must.
-    JSONWriter writer;
-    writeJSON(writer, value);
-    auto text = writer.finish();
-    if (!text) {
-        return error(Code::invalidValue, text.error().message());
-    }
-    if (const auto* real = value.as<double>()) {
-        return bindAs(StoredType::real, *real);
-    }
-    if (const auto* string = value.as<std::string>()) {
-        return bindAs(StoredType::string, std::string_view(*string));
-    }
-    json = std::move(*text);
-    return bindAs(value.as<DefaultsArray>() != nullptr ? StoredType::array : StoredType::dictionary,
-                  std::string_view(json));
 }
 
 /// Makes the directory and those above it that are missing, for their owner alone; the error's text, or none.
@@ -420,7 +340,7 @@ std::optional<std::string> makeDirectories(const std::filesystem::path& director
             return std::strerror(errno);
         }
     }
-    struct stat information {};
+    struct stat information{};
     if (stat(directory.c_str(), &information) != 0 || !S_ISDIR(information.st_mode)) {
         return std::strerror(ENOTDIR);
     }
@@ -433,7 +353,8 @@ DefaultsResult<std::shared_ptr<NSUserDefaults>> SQLiteUserDefaultsSuites::suite(
     constexpr std::size_t longestName = 200;  // file systems allow 255 bytes, and SQLite appends to them
     if (name.empty() || name.size() > longestName || name.front() == '.' || name.find('/') != name.npos ||
         name.find('\0') != name.npos) {
-        return std::unexpected(DefaultsError{Code::invalidValue, directory_, "a suite's name must be a file name"});
+        return std::unexpected(
+            DefaultsError{Code::invalidValue, directory_, "a suite's name must be a file name"});
     }
     if (auto fault = makeDirectories(directory_)) {
         return std::unexpected(DefaultsError{Code::cannotOpen, directory_, std::move(*fault)});

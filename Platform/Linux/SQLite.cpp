@@ -69,7 +69,8 @@ std::span<const std::uint8_t> SQLiteStatement::bytes(int column) const {
 SQLiteResult<SQLiteConnection> SQLiteConnection::open(const std::string& path, int busyTimeout) {
     SQLiteConnection connection;
     sqlite3* database = nullptr;
-    const int code = sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int code =
+        sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
     connection.database_.reset(database);
     if (code != SQLITE_OK) {
         return std::unexpected(lastError(database, code));

@@ -7,7 +7,8 @@ namespace nimbuscope::platform {
 namespace {
 
 std::string_view environment(const char* name) {
-    const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nothing here sets the environment
+    const char* value =
+        std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nothing here sets the environment
     return value != nullptr ? value : "";
 }
 

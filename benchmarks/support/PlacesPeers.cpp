@@ -13,7 +13,8 @@ E caseOfRaw(platform::RawValue<E> raw) {
 
 template <class E>
 E enumerationAt(const nlohmann::json& json, const char* key) {
-    using Raw = std::conditional_t<std::same_as<platform::RawValue<E>, std::int64_t>, std::int64_t, std::string>;
+    using Raw =
+        std::conditional_t<std::same_as<platform::RawValue<E>, std::int64_t>, std::int64_t, std::string>;
     return caseOfRaw<E>(json.at(key).get<Raw>());
 }
 
@@ -35,7 +36,8 @@ void from_json(const nlohmann::json& json, LocationNotificationSettings& value) 
     value.inRadius.intensity = enumerationAt<Intensity>(radius, "intensity");
     const auto& severe = json.at("severeWeather");
     severe.at("isEnabled").get_to(value.severeWeather.isEnabled);
-    value.severeWeather.severity = enumerationAt<NotificationSettingsSevereWeather::Severity>(severe, "severity");
+    value.severeWeather.severity =
+        enumerationAt<NotificationSettingsSevereWeather::Severity>(severe, "severity");
     const auto& storms = json.at("tropicalStorms");
     storms.at("isEnabled").get_to(value.tropicalStorms.isEnabled);
     value.tropicalStorms.trackingArea =
@@ -107,7 +109,8 @@ void read(object json, LocationNotificationSettings& value) {
     value.inRadius.intensity = enumerationOf<Intensity>(radius, "intensity");
     object severe = json["severeWeather"];
     value.severeWeather.isEnabled = severe["isEnabled"];
-    value.severeWeather.severity = enumerationOf<NotificationSettingsSevereWeather::Severity>(severe, "severity");
+    value.severeWeather.severity =
+        enumerationOf<NotificationSettingsSevereWeather::Severity>(severe, "severity");
     object storms = json["tropicalStorms"];
     value.tropicalStorms.isEnabled = storms["isEnabled"];
     value.tropicalStorms.trackingArea =
@@ -148,7 +151,8 @@ std::string placesDocument(std::size_t count) {
         place.state = "Some State";
         place.country = "US";
         place.current = i == count / 2;
-        place.staticCoordinate = {-80 + 0.0017 * static_cast<double>(i % 90000), 0.00391 * static_cast<double>(i % 40000)};
+        place.staticCoordinate = {-80 + 0.0017 * static_cast<double>(i % 90000),
+                                  0.00391 * static_cast<double>(i % 40000)};
     }
     return platform::JSONEncoder().encode(places).value();
 }

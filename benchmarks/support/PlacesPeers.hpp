@@ -18,8 +18,9 @@ namespace nimbuscope::benchmarks {
 /// The obvious way: a whole tree of values, then `get<>` of the records.
 [[nodiscard]] std::vector<Place> decodeWithTree(std::string_view json);
 
-/// The fast way, written by hand for these records: no tree, keys in any order, no copy of the text (whose capacity has
-/// room for the parser).
-[[nodiscard]] std::vector<Place> decodeOnDemand(simdjson::ondemand::parser& parser, const platform::Data& json);
+/// The fast way, written by hand for these records: no tree, keys in any order, no copy of the text (whose
+/// capacity has room for the parser).
+[[nodiscard]] std::vector<Place> decodeOnDemand(simdjson::ondemand::parser& parser,
+                                                const platform::Data& json);
 
 }  // namespace nimbuscope::benchmarks

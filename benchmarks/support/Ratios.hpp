@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-/// Measures speed as ratios to peers, in a way that holds on a busy machine: contenders take turns in short samples,
-/// each ratio is taken inside one round, and the median of the rounds counts.
+/// Measures speed as ratios to peers, in a way that holds on a busy machine: contenders take turns in short
+/// samples, each ratio is taken inside one round, and the median of the rounds counts.
 namespace nimbuscope::benchmarks {
 
 struct Contender {
@@ -19,7 +19,8 @@ struct Contender {
     double perUnit = 1;  ///< how many units of work one call does
 };
 
-/// What the first contender, the subject, must keep to against another: its time at most `limit` times the peer's.
+/// What the first contender, the subject, must keep to against another: its time at most `limit` times the
+/// peer's.
 struct Limit {
     std::size_t peer;  ///< index of the contender
     double limit;
@@ -44,8 +45,8 @@ struct Limit {
     return elapsed / (calls * contender.perUnit);
 }
 
-/// Prints one line per limit: the subject's time per unit, the ratio to the peer and whether it keeps the limit.
-/// Returns false when one is not kept.
+/// Prints one line per limit: the subject's time per unit, the ratio to the peer and whether it keeps the
+/// limit. Returns false when one is not kept.
 inline bool compare(const std::string& title, const std::vector<Contender>& contenders,
                     const std::vector<Limit>& limits, int rounds = 31, double seconds = 0.002) {
     std::vector<std::vector<double>> times(contenders.size());
@@ -63,9 +64,9 @@ inline bool compare(const std::string& title, const std::vector<Contender>& cont
         std::ranges::transform(times[0], times[peer], ratios.begin(), std::divides<>());
         const double ratio = median(ratios);
         isKept = isKept && ratio <= limit;
-        std::printf("| %s | %s | %.3g ns | %.2f × %s | ≤ %.3g | %s |\n", title.c_str(), contenders[0].name.c_str(),
-                    median(times[0]) * 1e9, ratio, contenders[peer].name.c_str(), limit,
-                    ratio <= limit ? "kept" : "MISSED");
+        std::printf("| %s | %s | %.3g ns | %.2f × %s | ≤ %.3g | %s |\n", title.c_str(),
+                    contenders[0].name.c_str(), median(times[0]) * 1e9, ratio, contenders[peer].name.c_str(),
+                    limit, ratio <= limit ? "kept" : "MISSED");
     }
     return isKept;
 }

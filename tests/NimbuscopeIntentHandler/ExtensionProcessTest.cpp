@@ -16,8 +16,8 @@ const std::string extension = NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHand
 
 std::string call(const std::string& id, const std::string& method, const std::string& intent,
                  const std::string& parameters = "{}") {
-    return R"({"jsonrpc":"2.0","id":)" + id + R"(,"method":")" + method + R"(","params":{"intent":{"class":")" + intent +
-           R"(","parameters":)" + parameters + "}}}\n";
+    return R"({"jsonrpc":"2.0","id":)" + id + R"(,"method":")" + method +
+           R"(","params":{"intent":{"class":")" + intent + R"(","parameters":)" + parameters + "}}}\n";
 }
 
 /// The replies by their id as it stands in the text; what follows the id is the value.
@@ -67,7 +67,8 @@ TEST_F(ExtensionProcess, answersEveryOperationOfEveryIntent) {
         }
         return text;
     };
-    const auto activity = [](const std::string& intent, const std::string& title, const std::string& userInfo) {
+    const auto activity = [](const std::string& intent, const std::string& title,
+                             const std::string& userInfo) {
         return R"("result":{"class":")" + intent +
                R"(Response","code":2,"userActivity":{"activityType":"SiriShortcut","title":")" + title +
                R"(","userInfo":{)" + userInfo + "}}}";
@@ -87,7 +88,8 @@ TEST_F(ExtensionProcess, answersEveryOperationOfEveryIntent) {
          R"("result":{"class":"MapColorScheme","identifier":"4","display":"Universal Blue","id":4})"},
         {"resolveLocation", "WeatherForecastIntent", somewhere,
          R"("result":{"resolution":"success","value":{"class":"Location","identifier":"x","display":"X"}})"},
-        {"resolveLocation", "RadarMapIntent", R"({"location":null})", R"("result":{"resolution":"needsValue"})"},
+        {"resolveLocation", "RadarMapIntent", R"({"location":null})",
+         R"("result":{"resolution":"needsValue"})"},
         {"handle", "RadarMapIntent", R"({"location":{"class":"Location","display":"X"}})",
          activity("RadarMapIntent", "Radar Map", R"("map_layer":"radar","place_id":"")")},
         {"handle", "SatelliteMapIntent", somewhere,
@@ -95,16 +97,19 @@ TEST_F(ExtensionProcess, answersEveryOperationOfEveryIntent) {
         {"handle", "WeatherForecastIntent", somewhere,
          activity("WeatherForecastIntent", "Weather Forecast", R"("place_id":"x")")},
         {"handle", "CurrentWeatherIntent", somewhere,
-         activity("CurrentWeatherIntent", "Weather Conditions", R"("forecast_block":"conditions","place_id":"x")")},
+         activity("CurrentWeatherIntent", "Weather Conditions",
+                  R"("forecast_block":"conditions","place_id":"x")")},
         {"handle", "CurrentWeatherIntent", "{}",
          R"("result":{"class":"CurrentWeatherIntentResponse","code":5,"userActivity":null})"},
     };
     for (const auto& [method, intent, parameters, reply] : cases) {
         EXPECT_EQ(answer(call("1", method, intent, parameters)), reply);
     }
-    const std::string schemes = answer(call("1", "provideMapColorSchemeOptionsCollection", "WeatherRadarMapIntent"));
+    const std::string schemes =
+        answer(call("1", "provideMapColorSchemeOptionsCollection", "WeatherRadarMapIntent"));
     std::string ids;
-    for (std::size_t at = schemes.find("\"id\":"); at != std::string::npos; at = schemes.find("\"id\":", at + 1)) {
+    for (std::size_t at = schemes.find("\"id\":"); at != std::string::npos;
+         at = schemes.find("\"id\":", at + 1)) {
         ids += schemes.substr(at + 5, schemes.find('}', at) - at - 5) + ' ';
     }
     EXPECT_EQ(ids, "1 2 3 4 5 6 7 8 11 12 13 14 15 16 17 21 22 23 31 32 ");
@@ -135,14 +140,16 @@ TEST_F(ExtensionProcess, answersBadLinesWithErrorsAndGoesOn) {
         {call("1", "handle", "RadarMapIntent", "5"), -32602},
         {call("1", "handle", "RadarMapIntent", R"({"location":"x"})"), -32602},
         {call("1", "handle", "RadarMapIntent", R"({"location":{"class":"Location"}})"), -32602},
-        {call("1", "handle", "RadarMapIntent", R"({"location":{"class":"ForecastLocation","display":"X"}})"), -32602},
+        {call("1", "handle", "RadarMapIntent", R"({"location":{"class":"ForecastLocation","display":"X"}})"),
+         -32602},
         {call("1", "defaultLocation", "WeatherRadarMapIntent", R"({"mapType":4})"), -32602},
         {call("1", "defaultLocation", "WeatherRadarMapIntent", R"({"snow":1})"), -32602},
     };
     std::string input;
     for (const auto& [text, code] : cases) {
         const std::string line = text + (text.ends_with('\n') ? "" : "\n");
-        EXPECT_TRUE(answer(line).starts_with(R"("error":{"code":)" + std::to_string(code) + ',')) << line.substr(0, 80);
+        EXPECT_TRUE(answer(line).starts_with(R"("error":{"code":)" + std::to_string(code) + ','))
+            << line.substr(0, 80);
         input += line;
     }
     const Outcome all = serve(input + call("99", "handler", "RadarMapIntent"));
@@ -155,7 +162,8 @@ TEST_F(ExtensionProcess, answersBadLinesWithErrorsAndGoesOn) {
 
 TEST_F(ExtensionProcess, keepsTheIdsAndDoesNotAnswerNotifications) {
     std::string input;
-    for (const std::string id : {"5", "\"5\"", "null", "-1.5", "18446744073709551615", "\"\\\"\\u00e9\\n\""}) {
+    for (const std::string id :
+         {"5", "\"5\"", "null", "-1.5", "18446744073709551615", "\"\\\"\\u00e9\\n\""}) {
         input += call(id, "handler", "RadarMapIntent");
     }
     std::string notification = call("1", "handle", "RadarMapIntent");
@@ -170,7 +178,8 @@ TEST_F(ExtensionProcess, keepsTheIdsAndDoesNotAnswerNotifications) {
 TEST_F(ExtensionProcess, answersEachOfManyCallsInFlightOnceBeforeItEnds) {
     std::string input;
     for (int i = 0; i < 3000; ++i) {
-        input += call(std::to_string(i), i % 2 == 0 ? "provideLocationOptionsCollection" : "handle", "RadarMapIntent");
+        input += call(std::to_string(i), i % 2 == 0 ? "provideLocationOptionsCollection" : "handle",
+                      "RadarMapIntent");
     }
     input.pop_back();  // the last line ends with the input
     const Outcome outcome = serve(input);
@@ -184,7 +193,8 @@ TEST_F(ExtensionProcess, answersEachOfManyCallsInFlightOnceBeforeItEnds) {
 
 TEST_F(ExtensionProcess, answersFromAnUnreadableStoreAsFromAnEmptyOne) {
     const std::string file = directory_.path("group.com.brisk-labs.Nimbuscope.sqlite");
-    for (const std::string& damaged : {std::string("not a store"), std::string(), readFile(file).substr(0, 5000)}) {
+    for (const std::string& damaged :
+         {std::string("not a store"), std::string(), readFile(file).substr(0, 5000)}) {
         writeFile(file, damaged);
         EXPECT_EQ(answer(call("1", "defaultLocation", "WeatherRadarMapIntent")), R"("result":null)");
         EXPECT_EQ(readFile(file), damaged);

@@ -12,7 +12,9 @@ namespace {
 
 class EnglishBundle final : public platform::Bundle {
   public:
-    [[nodiscard]] std::string localizedString(std::string_view key) const override { return std::string(key); }
+    [[nodiscard]] std::string localizedString(std::string_view key) const override {
+        return std::string(key);
+    }
 };
 
 class IntentHandlerTest : public ::testing::Test {
@@ -37,8 +39,8 @@ class IntentHandlerTest : public ::testing::Test {
     SharedStorage storage_{suites_};
     EnglishBundle bundle_;
     platform::TaskPool tasks_{1};
-    std::shared_ptr<IntentHandler> principal_ =
-        std::make_shared<IntentHandler>(IntentServices{[this]() -> SharedStorage& { return storage_; }, bundle_, tasks_});
+    std::shared_ptr<IntentHandler> principal_ = std::make_shared<IntentHandler>(
+        IntentServices{[this]() -> SharedStorage& { return storage_; }, bundle_, tasks_});
 };
 
 TEST_F(IntentHandlerTest, dispatchesShortcutsToFreshHandlersAndAllElseToItself) {
@@ -66,10 +68,12 @@ TEST_F(IntentHandlerTest, theDefaultLocationIsTheCurrentPlaceElseTheFirstElseNon
 }
 
 TEST_F(IntentHandlerTest, offersEveryPlaceToShortcuts) {
-    ASSERT_TRUE(SavedPlaces(storage_.groupStorage())
-                    .replace({{.id = "a", .name = "A"}, {.id = "b", .name = "B", .current = true}, {.id = "a"}}));
+    ASSERT_TRUE(
+        SavedPlaces(storage_.groupStorage())
+            .replace({{.id = "a", .name = "A"}, {.id = "b", .name = "B", .current = true}, {.id = "a"}}));
     const auto options = outcomeOf<std::shared_ptr<LocationCollection>>([](auto services, auto completion) {
-        RadarMapIntentHandler(services).provideLocationOptionsCollection(std::make_shared<RadarMapIntent>(), completion);
+        RadarMapIntentHandler(services).provideLocationOptionsCollection(std::make_shared<RadarMapIntent>(),
+                                                                         completion);
     });
     ASSERT_EQ(options->allItems().size(), 3U);
     EXPECT_EQ(options->allItems()[0]->identifier(), "b");

@@ -72,15 +72,18 @@ TEST(Intents, resolutionsCarryTheVeryValuesAndUntypedOnesStopTheProcess) {
     const auto place = std::make_shared<Location>("a", "A");
     EXPECT_EQ(LocationResolutionResult::success(place).objects().front(), place);
     EXPECT_EQ(LocationResolutionResult::disambiguation(std::vector{place, place}).objects().size(), 2U);
-    EXPECT_TRUE(LocationResolutionResult::confirmationRequired(std::shared_ptr<Location>()).objects().empty());
+    EXPECT_TRUE(
+        LocationResolutionResult::confirmationRequired(std::shared_ptr<Location>()).objects().empty());
     EXPECT_EQ(LocationResolutionResult::needsValue().resolution(), INResolution::needsValue);
-    const auto intensity = PercipitationIntensityResolutionResult::confirmationRequired(PercipitationIntensity::heavy);
+    const auto intensity =
+        PercipitationIntensityResolutionResult::confirmationRequired(PercipitationIntensity::heavy);
     EXPECT_EQ(intensity.value(), 3);
     EXPECT_EQ(intensity.resolution(), INResolution::confirmationRequired);
 
     const std::shared_ptr<platform::INObject> untyped = place;
     EXPECT_DEATH(static_cast<void>(LocationResolutionResult::success(untyped)), "Fatal error");
-    EXPECT_DEATH(static_cast<void>(LocationResolutionResult::disambiguation(std::vector{untyped})), "Fatal error");
+    EXPECT_DEATH(static_cast<void>(LocationResolutionResult::disambiguation(std::vector{untyped})),
+                 "Fatal error");
     EXPECT_DEATH(static_cast<void>(LocationResolutionResult::confirmationRequired(untyped)), "Fatal error");
 }
 

@@ -114,7 +114,8 @@ TEST(SavedPlaces, changesAreWholeOrNotAtAll) {
 TEST(SavedPlaces, aListThatCannotBeReadWholeIsNotTouched) {
     InMemoryUserDefaults store;
     SavedPlaces places(store);
-    const platform::DefaultsValue values[] = {listOf(storedPlace + ",5"), std::string("[]"), platform::dataOf("{}")};
+    const platform::DefaultsValue values[] = {listOf(storedPlace + ",5"), std::string("[]"),
+                                              platform::dataOf("{}")};
     for (const auto& value : values) {
         ASSERT_TRUE(store.set("places", value));
         EXPECT_FALSE(places.all());

@@ -51,9 +51,14 @@ TEST_F(SharedStorageTest, readsWhatIsNoListOfPlacesAsNone) {
     const std::string good = SavedPlaces::encoded({{.id = "a"}}).value();
     const std::string inner = good.substr(1, good.size() - 2);
     const std::pair<std::string, std::string> cases[] = {
-        {good, "a"},          {good + "x", ""},  {inner, ""},
-        {"", ""},             {"null", ""},      {"[" + inner + ",\"\xff\"]", ""},
-        {std::string(5000, '['), ""},            {"[null,5,\"a\",[],{}," + inner + "]", "a"},
+        {good, "a"},
+        {good + "x", ""},
+        {inner, ""},
+        {"", ""},
+        {"null", ""},
+        {"[" + inner + ",\"\xff\"]", ""},
+        {std::string(5000, '['), ""},
+        {"[null,5,\"a\",[],{}," + inner + "]", "a"},
         {"[1e999,123456789012345678901," + inner + "]", "a"}};
     for (const auto& [json, ids] : cases) {
         storeText(json);
@@ -80,7 +85,8 @@ TEST(SharedStorage, withoutAStoreToOpenStopsTheProcess) {
     const testing::TemporaryDirectory directory;
     testing::writeFile(directory.path("file"), "");
     platform::SQLiteUserDefaultsSuites suites(directory.path("file/store"));
-    EXPECT_DEATH(SharedStorage storage(suites), "Fatal error: the application group's store is missing: .*:[0-9]+");
+    EXPECT_DEATH(SharedStorage storage(suites),
+                 "Fatal error: the application group's store is missing: .*:[0-9]+");
 }
 
 TEST(SharedStorage, overAnUnreadableStoreHasNoPlaces) {

@@ -41,11 +41,14 @@ struct Outer {
     Level level{};
     Word word{};
 
-    static constexpr auto fields =
-        std::tuple{key("name", &Outer::name),   key("note", &Outer::note),
-                   key("flag", &Outer::flag),   key("count", &Outer::count),
-                   keyWithDefault("usual", &Outer::usual), key("list", &Outer::list),
-                   key("level", &Outer::level), key("word", &Outer::word)};
+    static constexpr auto fields = std::tuple{key("name", &Outer::name),
+                                              key("note", &Outer::note),
+                                              key("flag", &Outer::flag),
+                                              key("count", &Outer::count),
+                                              keyWithDefault("usual", &Outer::usual),
+                                              key("list", &Outer::list),
+                                              key("level", &Outer::level),
+                                              key("word", &Outer::word)};
     bool operator==(const Outer&) const = default;
 };
 
@@ -105,7 +108,8 @@ TEST(Coding, errorsNameThePathAndWhatWasFound) {
         {R"("usual":{"x":-0.0,)", R"("usual":{)", "usual.x: missing key"},
         {R"([{"x":1e+22)", R"([null,{"x":1e+22)", "list[0]: expected an object, found null"},
         // Two faults: the first of the table counts, and fields with a default come last.
-        {R"("usual":{"x":-0.0,"small":-128},"list")", R"("usual":{},"list":[{}],"l")", "list[0].x: missing key"},
+        {R"("usual":{"x":-0.0,"small":-128},"list")", R"("usual":{},"list":[{}],"l")",
+         "list[0].x: missing key"},
     };
     for (const auto& [from, to, error] : cases) {
         std::string json = wholeText;
@@ -131,7 +135,8 @@ TEST(Coding, documentsMustBeWholeValidAndShallow) {
 
 TEST(Coding, hugeNumbersSpoilOnlyTheirOwnField) {
     const auto read = [](const std::string& number) {
-        return JSONDecoder().decode<Inner>(R"({"n\\":"1\"23456789012345678901234567890","x":)" + number + R"(,"small":1})");
+        return JSONDecoder().decode<Inner>(R"({"n\\":"1\"23456789012345678901234567890","x":)" + number +
+                                           R"(,"small":1})");
     };
     EXPECT_EQ(read("123456789012345678901234567890")->x, 123456789012345678901234567890.0);
     EXPECT_EQ(read("-123456789012345678901")->x, -123456789012345678901.0);
@@ -152,7 +157,8 @@ TEST(Coding, whatJSONCannotHoldIsAnErrorWithItsPath) {
 }
 
 TEST(Coding, doublesKeepEveryBitInTheShortestText) {
-    for (const double number : {0.1, 55.755826, -179.99999999999997, 5e-324, 1.7976931348623157e308, 1e21, 100000.0}) {
+    for (const double number :
+         {0.1, 55.755826, -179.99999999999997, 5e-324, 1.7976931348623157e308, 1e21, 100000.0}) {
         JSONWriter writer;
         writer.value(number);
         const std::string text = writer.finish().value();
@@ -163,7 +169,8 @@ TEST(Coding, doublesKeepEveryBitInTheShortestText) {
 
 TEST(Base64, followsTheTestVectorsOfRFC4648) {
     const std::pair<std::string, std::string> vectors[] = {
-        {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}};
+        {"", ""},        {"f", "Zg=="},        {"fo", "Zm8="},
+        {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}};
     for (const auto& [plain, text] : vectors) {
         EXPECT_EQ(base64Encoded(dataOf(plain)), text);
         EXPECT_EQ(base64Decoded(text), dataOf(plain));

@@ -17,11 +17,13 @@ struct Entry {
         std::tuple{key("number", &Entry::number), key("text", &Entry::text), key("nested", &Entry::nested)};
 };
 
-/// A list long enough for many stretches, full of texts and nested lists that look like the end of an element.
+/// A list long enough for many stretches, full of texts and nested lists that look like the end of an
+/// element.
 std::string trickyList(std::size_t count, const std::string& separator) {
     std::string json = " [";
     for (std::size_t i = 0; i < count; ++i) {
-        json += (i == 0 ? "" : separator) + R"({"number":)" + std::to_string(i) + R"(,"text":"},{\"\\","nested":[)" +
+        json += (i == 0 ? "" : separator) + R"({"number":)" + std::to_string(i) +
+                R"(,"text":"},{\"\\","nested":[)" +
                 R"({"number":1,"text":"]","nested":[]},{"number":2,"text":"[{","nested":[]}]})";
     }
     return json + "]\n";
@@ -54,7 +56,8 @@ TEST(JSONArrayReader, aFaultAnywhereFailsWithItsPlaceInTheWholeText) {
     EXPECT_EQ(errorWith(sound.size() - 2, ' '), "invalid JSON at byte " + std::to_string(sound.size()));
     EXPECT_EQ(JSONDecoder().decodeList<Entry>(dataOf(sound + "1")).error().message(),
               "invalid JSON at byte " + std::to_string(sound.size()));
-    EXPECT_EQ(JSONDecoder().decodeList<Entry>(dataOf("{}")).error().message(), "expected an array, found an object");
+    EXPECT_EQ(JSONDecoder().decodeList<Entry>(dataOf("{}")).error().message(),
+              "expected an array, found an object");
 }
 
 TEST(JSONArrayReader, listsOfAnythingElseAreReadInOnePiece) {

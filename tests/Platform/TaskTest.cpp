@@ -19,7 +19,6 @@ AsyncBody<int> body(int number) {
     co_return number;
 }
 
-
 TEST(TaskPool, everyHandlerIsCalledExactlyOnceWhateverTheBodyDoes) {
     std::atomic<int> values{0};
     std::atomic<int> errors{0};

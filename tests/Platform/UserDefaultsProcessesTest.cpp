@@ -37,8 +37,8 @@ std::int64_t storedNumber(const std::string& directory, const char* key) {
     return number != nullptr ? *number : -1;
 }
 
-/// Lets a writer run until it has acknowledged a few writes and a random moment more, kills it, and returns the
-/// last number that it acknowledged.
+/// Lets a writer run until it has acknowledged a few writes and a random moment more, kills it, and returns
+/// the last number that it acknowledged.
 std::int64_t killedWriter(const std::string& directory, std::int64_t from, std::minstd_rand& random) {
     int ends[2];
     EXPECT_EQ(::pipe(ends), 0);
@@ -100,7 +100,9 @@ TEST(SQLiteUserDefaultsProcesses, twoProcessesWriteAThousandKeysEachAndNoneIsLos
         ::waitpid(writer, &status, 0);
         EXPECT_EQ(status, 0);
     }
-    EXPECT_EQ(SQLiteUserDefaultsSuites(directory.path()).standard().value()->dictionaryRepresentation()->size(), 2000U);
+    EXPECT_EQ(
+        SQLiteUserDefaultsSuites(directory.path()).standard().value()->dictionaryRepresentation()->size(),
+        2000U);
 }
 
 TEST(SQLiteUserDefaultsProcesses, threadsShareOneObjectAndTransactionsDoNotMix) {
@@ -109,9 +111,8 @@ TEST(SQLiteUserDefaultsProcesses, threadsShareOneObjectAndTransactionsDoNotMix) 
     ASSERT_TRUE(store->set("n", std::int64_t{0}));
     const auto countUp = [&] {
         for (int i = 0; i < 50; ++i) {
-            EXPECT_TRUE(store->transaction([&] {
-                return store->set("n", *store->object("n").value()->as<std::int64_t>() + 1);
-            }));
+            EXPECT_TRUE(store->transaction(
+                [&] { return store->set("n", *store->object("n").value()->as<std::int64_t>() + 1); }));
         }
     };
     std::thread other(countUp);

@@ -31,7 +31,7 @@ using Stores = ::testing::Types<InMemoryFixture, SQLiteFixture>;
 INSTANTIATE_TYPED_TEST_SUITE_P(Stores, UserDefaultsContract, Stores);
 
 mode_t modeOf(const std::string& path) {
-    struct stat information {};
+    struct stat information{};
     return ::stat(path.c_str(), &information) == 0 ? information.st_mode & 0777 : 0;
 }
 
@@ -51,8 +51,8 @@ TEST(SQLiteUserDefaults, filesAreTheOwnersAlone) {
 TEST(SQLiteUserDefaults, namesThatAreNoFileNamesAndDirectoriesThatCannotBeAreRefused) {
     const TemporaryDirectory directory;
     writeFile(directory.path("file"), "");
-    for (const std::string& name : {std::string(), std::string("../x"), std::string("a/b"), std::string(".hidden"),
-                                    std::string(201, 'x'), std::string("a\0b", 3)}) {
+    for (const std::string& name : {std::string(), std::string("../x"), std::string("a/b"),
+                                    std::string(".hidden"), std::string(201, 'x'), std::string("a\0b", 3)}) {
         EXPECT_FALSE(SQLiteUserDefaultsSuites(directory.path()).suite(name)) << name;
     }
     for (const std::string place : {"file", "file/below"}) {
@@ -87,8 +87,9 @@ void execute(const std::string& file, const std::string& sql) {
 
 TEST(SQLiteUserDefaults, whatIsNoWholeStoreOrNewerIsRefusedAndLeftAlone) {
     using Code = DefaultsError::Code;
-    expectRefused([](auto& file) { writeFile(file, "this is a text, not a store; " + std::string(2000, '.')); },
-                  Code::damaged);
+    expectRefused(
+        [](auto& file) { writeFile(file, "this is a text, not a store; " + std::string(2000, '.')); },
+        Code::damaged);
     expectRefused([](auto& file) { writeFile(file, ""); }, Code::damaged);
     expectRefused([](auto& file) { writeFile(file, readFile(file).substr(0, 9000)); }, Code::damaged);
     expectRefused([](auto& file) { execute(file, "PRAGMA application_id = 7"); }, Code::damaged);
@@ -99,7 +100,8 @@ TEST(SQLiteUserDefaults, aValueThatIsNotOfItsTypeIsDamage) {
     const TemporaryDirectory directory;
     SQLiteUserDefaultsSuites suites(directory.path());
     ASSERT_TRUE(suites.standard().value()->set("k", std::int64_t{1}));
-    for (const char* column : {"type = 3", "type = 5", "type = 9", "type = 6, value = '[1'", "type = 6, value = '[null]'"}) {
+    for (const char* column :
+         {"type = 3", "type = 5", "type = 9", "type = 6, value = '[1'", "type = 6, value = '[null]'"}) {
         execute(directory.path("standard.sqlite"), std::string("UPDATE defaults SET ") + column);
         const auto read = suites.standard().value()->object("k");
         ASSERT_FALSE(read) << column;

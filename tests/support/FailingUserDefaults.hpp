@@ -13,7 +13,8 @@ class FailingUserDefaults final : public platform::NSUserDefaults {
   public:
     using Code = platform::DefaultsError::Code;
 
-    explicit FailingUserDefaults(std::shared_ptr<platform::NSUserDefaults> inner) : inner_(std::move(inner)) {}
+    explicit FailingUserDefaults(std::shared_ptr<platform::NSUserDefaults> inner)
+        : inner_(std::move(inner)) {}
 
     std::optional<Code> readFault;
     std::optional<Code> writeFault;
@@ -22,7 +23,8 @@ class FailingUserDefaults final : public platform::NSUserDefaults {
         std::string_view key) const override {
         return readFault ? fail(*readFault) : inner_->object(key);
     }
-    [[nodiscard]] platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation() const override {
+    [[nodiscard]] platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation()
+        const override {
         return readFault ? fail(*readFault) : inner_->dictionaryRepresentation();
     }
     [[nodiscard]] platform::DefaultsResult<void> set(std::string_view key,

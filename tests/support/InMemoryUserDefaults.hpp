@@ -19,7 +19,8 @@ class InMemoryUserDefaults final : public platform::NSUserDefaults {
         return found != values_.end() ? std::optional(found->second) : std::nullopt;
     }
 
-    [[nodiscard]] platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation() const override {
+    [[nodiscard]] platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation()
+        const override {
         const std::lock_guard lock(mutex_);
         return values_;
     }
@@ -33,8 +34,8 @@ class InMemoryUserDefaults final : public platform::NSUserDefaults {
         writeJSON(writer, value);
         writer.endObject();
         if (key.empty() || key.find('\0') != key.npos || !writer.finish()) {
-            return std::unexpected(
-                platform::DefaultsError{platform::DefaultsError::Code::invalidValue, "memory", "not storable"});
+            return std::unexpected(platform::DefaultsError{platform::DefaultsError::Code::invalidValue,
+                                                           "memory", "not storable"});
         }
         values_.insert_or_assign(std::string(key), value);
         return {};

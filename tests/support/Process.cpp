@@ -81,15 +81,16 @@ Outcome run(const std::vector<std::string>& command, const std::string& input,
     auto arguments = command;
     auto variables = environmentWith(environment);
     pid_t child = -1;
-    const int failed = ::posix_spawn(&child, command[0].c_str(), &actions, nullptr, pointers(arguments).data(),
-                                     pointers(variables).data());
+    const int failed = ::posix_spawn(&child, command[0].c_str(), &actions, nullptr,
+                                     pointers(arguments).data(), pointers(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     for (const int end : {in.ends[0], out.ends[1], err.ends[1]}) {
         ::close(end);
     }
     Outcome outcome;
     ::fcntl(in.ends[1], F_SETFL, O_NONBLOCK);
-    std::array<pollfd, 3> ends{{{in.ends[1], POLLOUT, 0}, {out.ends[0], POLLIN, 0}, {err.ends[0], POLLIN, 0}}};
+    std::array<pollfd, 3> ends{
+        {{in.ends[1], POLLOUT, 0}, {out.ends[0], POLLIN, 0}, {err.ends[0], POLLIN, 0}}};
     std::string_view rest = input;
     while (ends[0].fd >= 0 || ends[1].fd >= 0 || ends[2].fd >= 0) {
         ::poll(ends.data(), ends.size(), -1);

@@ -8,8 +8,8 @@
 
 #include "Platform/Defaults/NSUserDefaults.hpp"
 
-/// What every key-value store does, real or fake. `Fixture::open()` gives an empty store, `reopen()` another object
-/// over the same store.
+/// What every key-value store does, real or fake. `Fixture::open()` gives an empty store, `reopen()` another
+/// object over the same store.
 namespace nimbuscope::testing {
 
 template <class Fixture>
@@ -34,7 +34,8 @@ TYPED_TEST_P(UserDefaultsContract, valuesKeepTheirType) {
         {"data", Data{'1', 0, 0xFF}},
         {"emptyData", Data{}},
         {"array", DefaultsArray{true, std::int64_t{1}, 1.0, std::string("$data"), Data{0}, DefaultsArray{}}},
-        {"dictionary", DefaultsDictionary{{"$data", std::string("AA==")}, {"$", 0.1}, {"", DefaultsDictionary{}}}},
+        {"dictionary",
+         DefaultsDictionary{{"$data", std::string("AA==")}, {"$", 0.1}, {"", DefaultsDictionary{}}}},
     };
     auto store = this->fixture_.open();
     DefaultsDictionary expected;
@@ -104,6 +105,7 @@ TYPED_TEST_P(UserDefaultsContract, aTransactionIsKeptOrDroppedAsAWhole) {
 }
 
 REGISTER_TYPED_TEST_SUITE_P(UserDefaultsContract, valuesKeepTheirType, anotherValueReplacesAndRemovalRemoves,
-                            whatCannotBeStoredIsRefusedAndChangesNothing, aTransactionIsKeptOrDroppedAsAWhole);
+                            whatCannotBeStoredIsRefusedAndChangesNothing,
+                            aTransactionIsKeptOrDroppedAsAWhole);
 
 }  // namespace nimbuscope::testing

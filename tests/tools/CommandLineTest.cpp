@@ -17,7 +17,8 @@ class CommandLine : public ::testing::Test {
         arguments.insert(arguments.begin(), tool);
         return run(arguments, input, {{"NIMBUSCOPE_STORE", directory_.path("store")}, {"LC_ALL", "C"}});
     }
-    [[nodiscard]] std::string output(std::vector<std::string> arguments, const std::string& input = {}) const {
+    [[nodiscard]] std::string output(std::vector<std::string> arguments,
+                                     const std::string& input = {}) const {
         const Outcome outcome = call(std::move(arguments), input);
         EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
         EXPECT_EQ(outcome.errors, "");
@@ -39,8 +40,11 @@ class CommandLine : public ::testing::Test {
 };
 
 TEST_F(CommandLine, helpAndVersionPrintOnEveryLevelAndMistakesExitWithTwo) {
-    const std::vector<std::string> levels[] = {{"--help"}, {"places", "--help"}, {"places", "add", "--help"},
-                                               {"defaults", "write", "--help"}, {"intents", "--help"}};
+    const std::vector<std::string> levels[] = {{"--help"},
+                                               {"places", "--help"},
+                                               {"places", "add", "--help"},
+                                               {"defaults", "write", "--help"},
+                                               {"intents", "--help"}};
     for (const auto& arguments : levels) {
         EXPECT_NE(output(arguments).find("nimbuscope"), std::string::npos);
     }
@@ -88,7 +92,8 @@ TEST_F(CommandLine, defaultsKeepTheirTypesThroughTheStore) {
     EXPECT_EQ(output({"defaults", "delete", "s"}), "");
     EXPECT_EQ(failure({"defaults", "delete", "s"}, 1), "defaults delete: no value under \"s\"");
     EXPECT_EQ(failure({"defaults", "read", "b", "--standard"}, 1), "defaults read: no value under \"b\"");
-    EXPECT_EQ(failure({"defaults", "write", "x", "--value-json", "[1,null]"}, 1), "--value-json: [1]: null is no value");
+    EXPECT_EQ(failure({"defaults", "write", "x", "--value-json", "[1,null]"}, 1),
+              "--value-json: [1]: null is no value");
     EXPECT_EQ(failure({"defaults", "write", "x", "--data", directory_.path("none")}, 1),
               directory_.path("none") + ": No such file or directory");
     EXPECT_NE(failure({"defaults", "write", "x", "--double", "inf"}, 1), "");
@@ -97,9 +102,14 @@ TEST_F(CommandLine, defaultsKeepTheirTypesThroughTheStore) {
 
 TEST_F(CommandLine, placesAreListedAddedRemovedImportedAndExported) {
     EXPECT_EQ(output({"places", "list", "--json"}), "[]\n");
-    EXPECT_EQ(output({"places", "add", "--name", "A", "--latitude", "-33.8688", "--longitude", "0", "--id", "a"}), "a\n");
-    EXPECT_EQ(output({"places", "add", "--name", "B", "--latitude", "0", "--longitude", "-180", "--current"}).size(), 37U);
-    EXPECT_NE(failure({"places", "add", "--name", "A", "--latitude", "1", "--longitude", "1", "--id", "a"}, 1), "");
+    EXPECT_EQ(
+        output({"places", "add", "--name", "A", "--latitude", "-33.8688", "--longitude", "0", "--id", "a"}),
+        "a\n");
+    EXPECT_EQ(output({"places", "add", "--name", "B", "--latitude", "0", "--longitude", "-180", "--current"})
+                  .size(),
+              37U);
+    EXPECT_NE(
+        failure({"places", "add", "--name", "A", "--latitude", "1", "--longitude", "1", "--id", "a"}, 1), "");
     EXPECT_EQ(failure({"places", "remove", "c"}, 1), "places: no place has the id \"c\"");
     EXPECT_EQ(output({"places", "list"})[0], '*');
 

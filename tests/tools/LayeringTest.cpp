@@ -10,10 +10,12 @@ namespace nimbuscope::testing {
 namespace {
 
 TEST(Layering, onlyTheAdaptersIncludeTheLibrariesOfTheOperatingSystem) {
-    const std::regex foreign(R"(#include <(sqlite3\.h|curl/|openssl/|spng\.h|unicode/|sdbus-c\+\+/|libintl\.h))");
+    const std::regex foreign(
+        R"(#include <(sqlite3\.h|curl/|openssl/|spng\.h|unicode/|sdbus-c\+\+/|libintl\.h))");
     const std::filesystem::path root(NIMBUSCOPE_SOURCE_DIRECTORY);
     int adapters = 0;
-    for (const char* part : {"Platform", "NimbuscopeKit", "NimbuscopeIntentHandler", "colorschemes", "tools"}) {
+    for (const char* part :
+         {"Platform", "NimbuscopeKit", "NimbuscopeIntentHandler", "colorschemes", "tools"}) {
         if (!std::filesystem::exists(root / part)) {
             continue;
         }
@@ -31,9 +33,12 @@ TEST(Layering, onlyTheAdaptersIncludeTheLibrariesOfTheOperatingSystem) {
 
 TEST(Layering, theExtensionLoadsNoMoreThanItNeeds) {
     const Outcome listed =
-        run({"/usr/bin/env", "ldd", NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler"});
+        run({"/usr/bin/env", "ldd",
+             NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler"});
     const std::regex library(R"(\b(lib[\w+-]+|ld-linux[\w-]+)\.so)");
-    const std::regex allowed("libc|libm|libgcc_s|libstdc\\+\\+|libsqlite3|libsimdjson|ld-linux.*|lib[alut]+san|libdl|libpthread|librt|libresolv");
+    const std::regex allowed(
+        "libc|libm|libgcc_s|libstdc\\+\\+|libsqlite3|libsimdjson|ld-linux.*|lib[alut]+san|libdl|libpthread|"
+        "librt|libresolv");
     for (std::sregex_iterator it(listed.output.begin(), listed.output.end(), library), end; it != end; ++it) {
         EXPECT_TRUE(std::regex_match((*it)[1].str(), allowed)) << (*it)[1];
     }

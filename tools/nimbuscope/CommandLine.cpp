@@ -5,9 +5,9 @@
 #include <csignal>
 #include <cstdio>
 
+#include "Files.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/StoreDirectory.hpp"
-#include "Files.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -26,8 +26,9 @@ CommandLine::CommandLine() : app_("Works with Nimbuscope's stores, intents and r
     app_.set_version_flag("--version", "nimbuscope " NIMBUSCOPE_VERSION);
     app_.require_subcommand(1);
     app_.fallthrough();
-    app_.add_option("--store", storeOption_,
-                    "Directory of the key-value stores; default $NIMBUSCOPE_STORE, else $XDG_DATA_HOME/nimbuscope")
+    app_.add_option(
+            "--store", storeOption_,
+            "Directory of the key-value stores; default $NIMBUSCOPE_STORE, else $XDG_DATA_HOME/nimbuscope")
         ->type_name("DIR");
     app_.footer("Example: nimbuscope places list --json");
 }
@@ -55,12 +56,14 @@ CLI::App& CommandLine::addVerb(CLI::App& parent, const std::string& name, const 
 CommandResult<std::string> CommandLine::storeDirectory() const {
     std::string directory = storeOption_.empty() ? platform::defaultStoreDirectory() : storeOption_;
     if (directory.empty()) {
-        return std::unexpected(CommandError{"store", "neither --store nor NIMBUSCOPE_STORE nor HOME names a place"});
+        return std::unexpected(
+            CommandError{"store", "neither --store nor NIMBUSCOPE_STORE nor HOME names a place"});
     }
     return directory;
 }
 
-CommandResult<std::shared_ptr<platform::NSUserDefaults>> CommandLine::openStore(const std::string& suite) const {
+CommandResult<std::shared_ptr<platform::NSUserDefaults>> CommandLine::openStore(
+    const std::string& suite) const {
     const auto directory = storeDirectory();
     if (!directory) {
         return std::unexpected(directory.error());

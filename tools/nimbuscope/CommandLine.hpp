@@ -44,7 +44,8 @@ class CommandLine {
     [[nodiscard]] CommandResult<std::string> storeDirectory() const;
 
     /// The store of a suite, or the standard store for an empty name.
-    [[nodiscard]] CommandResult<std::shared_ptr<platform::NSUserDefaults>> openStore(const std::string& suite) const;
+    [[nodiscard]] CommandResult<std::shared_ptr<platform::NSUserDefaults>> openStore(
+        const std::string& suite) const;
 
     /// Parses the arguments, runs the verb and returns the exit code.
     int run(int argumentCount, const char* const* arguments);

@@ -102,7 +102,7 @@ CommandResult<void> writeResult(const std::string& path, std::string_view bytes,
         output += bytes;
         return {};
     }
-    struct stat existing {};
+    struct stat existing{};
     const bool exists = ::stat(path.c_str(), &existing) == 0;
     if (exists && !S_ISREG(existing.st_mode)) {
         return writeInPlace(path, bytes);

@@ -17,9 +17,10 @@ bool isFlat(simdjson::dom::object object) {
 
 std::string scalarText(JSONElement json) {
     std::string_view text;
-    const bool isPlainText = json.get(text) == simdjson::SUCCESS && std::ranges::none_of(text, [](char character) {
-        return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
-    });
+    const bool isPlainText =
+        json.get(text) == simdjson::SUCCESS && std::ranges::none_of(text, [](char character) {
+            return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
+        });
     return isPlainText ? std::string(text) : simdjson::minify(json);
 }
 

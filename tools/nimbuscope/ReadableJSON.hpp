@@ -7,8 +7,8 @@
 
 namespace nimbuscope::tool {
 
-/// A JSON text as indented lines of "key: value" for a person; objects without inner structure take one line in a
-/// list. Control characters of texts are shown as escapes.
+/// A JSON text as indented lines of "key: value" for a person; objects without inner structure take one line
+/// in a list. Control characters of texts are shown as escapes.
 [[nodiscard]] std::string readableJSON(std::string_view json);
 
 }  // namespace nimbuscope::tool

@@ -4,9 +4,9 @@
 
 #include <charconv>
 
-#include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
 #include "CommandLine.hpp"
 #include "Files.hpp"
+#include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -45,7 +45,8 @@ struct ReadOptions {
     bool isJSON = false;
 };
 
-CommandResult<void> readOne(const platform::NSUserDefaults& store, const ReadOptions& options, std::string& output) {
+CommandResult<void> readOne(const platform::NSUserDefaults& store, const ReadOptions& options,
+                            std::string& output) {
     const auto value = store.object(*options.key);
     if (!value) {
         return std::unexpected(storeError(value.error()));
@@ -54,7 +55,8 @@ CommandResult<void> readOne(const platform::NSUserDefaults& store, const ReadOpt
         return std::unexpected(CommandError{"defaults read", "no value under \"" + *options.key + '"'});
     }
     const auto* plain = (*value)->as<std::string>();
-    const auto text = plain != nullptr && !options.isJSON ? CommandResult<std::string>(*plain) : jsonText(**value);
+    const auto text =
+        plain != nullptr && !options.isJSON ? CommandResult<std::string>(*plain) : jsonText(**value);
     if (!text) {
         return std::unexpected(text.error());
     }
@@ -91,15 +93,16 @@ CommandResult<void> readAll(const platform::NSUserDefaults& store, bool isJSON, 
 
 void addRead(CommandLine& commandLine, CLI::App& noun) {
     const auto options = std::make_shared<ReadOptions>();
-    auto& verb = commandLine.addVerb(noun, "read", "Prints one value, or all", "nimbuscope defaults read places",
-                                     [&commandLine, options](std::string& output) -> CommandResult<void> {
-                                         const auto store = options->store.open(commandLine);
-                                         if (!store) {
-                                             return std::unexpected(store.error());
-                                         }
-                                         return options->key ? readOne(**store, *options, output)
-                                                             : readAll(**store, options->isJSON, output);
-                                     });
+    auto& verb =
+        commandLine.addVerb(noun, "read", "Prints one value, or all", "nimbuscope defaults read places",
+                            [&commandLine, options](std::string& output) -> CommandResult<void> {
+                                const auto store = options->store.open(commandLine);
+                                if (!store) {
+                                    return std::unexpected(store.error());
+                                }
+                                return options->key ? readOne(**store, *options, output)
+                                                    : readAll(**store, options->isJSON, output);
+                            });
     verb.add_option("KEY", options->key, "Key of the value");
     verb.add_flag("--json", options->isJSON, R"(Print JSON; data as {"$data": BASE64})");
     options->store.addTo(verb);
@@ -165,18 +168,21 @@ std::int64_t integerOf(const std::string& text) {
 void addWrite(CommandLine& commandLine, CLI::App& noun) {
     const auto options = std::make_shared<WriteOptions>();
     auto& verb = commandLine.addVerb(
-        noun, "write", "Stores one value with its type", "nimbuscope defaults write nbcUnits --int 1 --standard",
+        noun, "write", "Stores one value with its type",
+        "nimbuscope defaults write nbcUnits --int 1 --standard",
         [&commandLine, options](std::string& /*output*/) { return write(commandLine, *options); });
     verb.add_option("KEY", options->key, "Key of the value")->required();
     auto& value = *verb.add_option_group("value", "Exactly one of");
     value.add_option("--bool", options->boolean, "true or false");
     // Parsed here: the library's own conversion turns what does not fit into the nearest value that does.
     value.add_option_function<std::string>(
-        "--int", [options](const std::string& text) { options->integer = integerOf(text); }, "Integer of 64 bits");
+        "--int", [options](const std::string& text) { options->integer = integerOf(text); },
+        "Integer of 64 bits");
     value.add_option("--double", options->real, "Finite number");
     value.add_option("--string", options->string, "Text");
     value.add_option("--data", options->dataFile, "File whose bytes are stored")->type_name("FILE");
-    value.add_option("--value-json", options->json, R"(Any value as JSON; data as {"$data": BASE64})")->type_name("JSON");
+    value.add_option("--value-json", options->json, R"(Any value as JSON; data as {"$data": BASE64})")
+        ->type_name("JSON");
     value.require_option(1);
     options->store.addTo(verb);
 }

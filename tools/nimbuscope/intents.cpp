@@ -4,11 +4,11 @@
 
 #include <future>
 
+#include "CommandLine.hpp"
 #include "NimbuscopeIntentHandler/Handlers/ExtensionDefinition.hpp"
 #include "NimbuscopeIntentHandler/Intents/Intents.hpp"
 #include "Platform/Linux/Bundle_gettext.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
-#include "CommandLine.hpp"
 #include "ReadableJSON.hpp"
 
 namespace nimbuscope::tool {
@@ -33,7 +33,8 @@ std::string paramsText(const Options& options) {
     writer.key("parameters");
     writer.beginObject();
     if (options.locationId || options.locationName) {
-        const bool isWidget = options.intent == WeatherRadarMapIntent::name || options.intent == ConfigurationIntent::name;
+        const bool isWidget =
+            options.intent == WeatherRadarMapIntent::name || options.intent == ConfigurationIntent::name;
         writer.key("location");
         writer.beginObject();
         writer.key("class");
@@ -102,8 +103,8 @@ void addIntents(CommandLine& commandLine) {
     noun.add_option("METHOD", options->method, "Method of the extension protocol")
         ->required()
         ->check(CLI::IsMember({"handler", "provideLocationOptionsCollection", "defaultLocation",
-                               "provideMapColorSchemeOptionsCollection", "defaultMapColorScheme", "resolveLocation",
-                               "handle"}));
+                               "provideMapColorSchemeOptionsCollection", "defaultMapColorScheme",
+                               "resolveLocation", "handle"}));
     noun.add_option("INTENT", options->intent, "Class of the intent")->required();
     noun.add_option("--location-id", options->locationId, "Identifier of the intent's location");
     noun.add_option("--location-name", options->locationName, "Name of the intent's location");

@@ -1,5 +1,5 @@
-#include "Platform/Linux/Bundle_gettext.hpp"
 #include "CommandLine.hpp"
+#include "Platform/Linux/Bundle_gettext.hpp"
 
 int main(int argumentCount, char** arguments) {
     using namespace nimbuscope;

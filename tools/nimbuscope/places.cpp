@@ -2,11 +2,11 @@
 
 #include <fmt/format.h>
 
+#include "CommandLine.hpp"
+#include "Files.hpp"
 #include "NimbuscopeIntentHandler/Places/SavedPlaces.hpp"
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
 #include "Platform/Core/UUID.hpp"
-#include "CommandLine.hpp"
-#include "Files.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -56,12 +56,12 @@ CommandResult<void> list(const platform::NSUserDefaults& group, bool isJSON, std
 
 void addList(CommandLine& commandLine, CLI::App& noun) {
     const auto isJSON = std::make_shared<bool>(false);
-    auto& verb = commandLine.addVerb(noun, "list", "Prints the places as the extension reads them",
-                                     "nimbuscope places list --json", [&commandLine, isJSON](std::string& output) {
-                                         return withPlaces(commandLine, [&](SavedPlaces&, auto& group) {
-                                             return list(group, *isJSON, output);
-                                         });
-                                     });
+    auto& verb = commandLine.addVerb(
+        noun, "list", "Prints the places as the extension reads them", "nimbuscope places list --json",
+        [&commandLine, isJSON](std::string& output) {
+            return withPlaces(commandLine,
+                              [&](SavedPlaces&, auto& group) { return list(group, *isJSON, output); });
+        });
     verb.add_flag("--json", *isJSON, "Print an array of place records");
 }
 
@@ -80,9 +80,10 @@ CommandResult<void> importFrom(SavedPlaces& places, const std::string& file) {
 void addImport(CommandLine& commandLine, CLI::App& noun) {
     const auto file = std::make_shared<std::string>();
     auto& verb = commandLine.addVerb(
-        noun, "import", "Replaces the list by that of a file", "nimbuscope places import docs/sample/places.json",
-        [&commandLine, file](std::string& /*output*/) {
-            return withPlaces(commandLine, [&](SavedPlaces& places, auto&) { return importFrom(places, *file); });
+        noun, "import", "Replaces the list by that of a file",
+        "nimbuscope places import docs/sample/places.json", [&commandLine, file](std::string& /*output*/) {
+            return withPlaces(commandLine,
+                              [&](SavedPlaces& places, auto&) { return importFrom(places, *file); });
         });
     verb.add_option("FILE", *file, "JSON array of place records")->required();
 }
@@ -108,7 +109,8 @@ void addAdd(CommandLine& commandLine, CLI::App& noun) {
         noun, "add", "Appends a place and prints its id",
         "nimbuscope places add --name Lisbon --latitude 38.7223 --longitude -9.1393 --country PT",
         [&commandLine, options](std::string& output) {
-            return withPlaces(commandLine, [&](SavedPlaces& places, auto&) { return add(places, *options, output); });
+            return withPlaces(commandLine,
+                              [&](SavedPlaces& places, auto&) { return add(places, *options, output); });
         });
     Place& place = options->place;
     verb.add_option("--name", place.name, "Name to show")->required();
@@ -130,7 +132,8 @@ void addRemove(CommandLine& commandLine, CLI::App& noun) {
     auto& verb = commandLine.addVerb(
         noun, "remove", "Removes the place with an id", "nimbuscope places remove lisbon",
         [&commandLine, id](std::string& /*output*/) {
-            return withPlaces(commandLine, [&](SavedPlaces& places, auto&) { return done(places.remove(*id)); });
+            return withPlaces(commandLine,
+                              [&](SavedPlaces& places, auto&) { return done(places.remove(*id)); });
         });
     verb.add_option("ID", *id, "Identifier of the place")->required();
 }
@@ -147,9 +150,10 @@ CommandResult<void> exportTo(const SavedPlaces& places, const std::string& file,
 void addExport(CommandLine& commandLine, CLI::App& noun) {
     const auto file = std::make_shared<std::string>("-");
     auto& verb = commandLine.addVerb(
-        noun, "export", "Writes the list as JSON, in its stored order", "nimbuscope places export -o places.json",
-        [&commandLine, file](std::string& output) {
-            return withPlaces(commandLine, [&](SavedPlaces& places, auto&) { return exportTo(places, *file, output); });
+        noun, "export", "Writes the list as JSON, in its stored order",
+        "nimbuscope places export -o places.json", [&commandLine, file](std::string& output) {
+            return withPlaces(commandLine,
+                              [&](SavedPlaces& places, auto&) { return exportTo(places, *file, output); });
         });
     verb.add_option("-o,--output", *file, "File to write; standard output by default")->type_name("FILE");
 }
