@@ -26,7 +26,7 @@ Result<std::optional<simdjson::dom::array>, DecodingError> JSONArrayReader::next
     if (isAtEnd_) {
         return std::nullopt;
     }
-    if (text_.size() - taken_ > 2 * stretchSize) {
+    if (text_.size() - taken_ > stretchSize + stretchSize / 2) {
         if (const auto elements = nextStretch()) {
             return elements;
         }

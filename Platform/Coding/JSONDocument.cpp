@@ -1,6 +1,7 @@
 #include "Platform/Coding/JSONDocument.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -114,6 +115,12 @@ std::string_view kindOf(JSONElement element) {
 
 Result<JSONElement, DecodingError> JSONDocument::parse(std::string_view text, std::size_t slack) {
     JSONElement root;
+    if (text.size() > parser_.capacity()) {
+        // In powers of two, so that texts of slightly growing length do not each take new memory.
+        if (const auto code = parser_.allocate(std::bit_ceil(text.size())); code != simdjson::SUCCESS) {
+            return std::unexpected(syntaxError(text, code));
+        }
+    }
     auto code = parser_.parse(text.data(), text.size(), slack < enough).get(root);
     if (code == simdjson::NUMBER_ERROR) {
         const std::string widened = withRepresentableNumbers(text);
