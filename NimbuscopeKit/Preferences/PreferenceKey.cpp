@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "Platform/Coding/JSONDecoder.hpp"
+#include "Platform/Coding/JSONEncoder.hpp"
 
 namespace nimbuscope {
 namespace {
@@ -17,13 +18,22 @@ Result<std::string, DecodingError> plainText(std::string_view value) {
                                         : std::unexpected(DecodingError{{}, "the text is not valid UTF-8"});
 }
 
+/// A plain word is taken for a text, so that the error says what was expected instead.
+template <class Payload>
+Result<Payload, DecodingError> jsonValue(std::string_view value) {
+    platform::JSONDecoder decoder;
+    const bool isWord = !platform::Record<Payload> && !platform::JSONDocument().parse(value);
+    const auto quoted = isWord ? platform::JSONEncoder().encode(std::string(value)) : std::string(value);
+    return quoted ? decoder.decode<Payload>(*quoted) : std::unexpected(quoted.error());
+}
+
 template <class Case>
 Result<PreferenceKey, DecodingError> read(std::string_view value) {
     Result<typename Case::Payload, DecodingError> payload;
     if constexpr (std::same_as<typename Case::Payload, std::string>) {
         payload = plainText(value);
     } else {
-        payload = platform::JSONDecoder().decode<typename Case::Payload>(value);
+        payload = jsonValue<typename Case::Payload>(value);
     }
     return payload ? Result<PreferenceKey, DecodingError>(Case{std::move(*payload)})
                    : std::unexpected(platform::inKey(Case::name, std::move(payload.error())));
