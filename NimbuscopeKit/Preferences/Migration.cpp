@@ -107,13 +107,12 @@ Result<Version, MigrationError> versionOf(const platform::Data& stored) {
         return std::unexpected(MigrationError{{}, root.error()});
     }
     if (!root->is_object()) {
-        return std::unexpected(MigrationError{{}, platform::typeMismatch("an object", *root)});
+        return std::unexpected(MigrationError{{}, std::move(*platform::typeMismatch("an object", *root))});
     }
     Stamp stamp;
-    const auto read = platform::JSONReader<Stamp>::read(*root, stamp);
-    if (!read) {
+    if (auto fault = platform::JSONReader<Stamp>::read(*root, stamp)) {
         return std::unexpected(
-            MigrationError{PreferencesServiceError::unableToReadPreferencesVersion, read.error()});
+            MigrationError{PreferencesServiceError::unableToReadPreferencesVersion, std::move(*fault)});
     }
     return stamp.version;
 }
