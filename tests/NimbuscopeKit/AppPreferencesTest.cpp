@@ -68,7 +68,7 @@ TEST(PreferenceKey, setsOneSettingEachOrSaysWhyNot) {
         const auto& name = row[0].get_ref<const std::string&>();
         const auto key = preferenceKey(name, row[1].get<std::string>());
         if (row.size() == 3) {
-            EXPECT_EQ(key ? "" : key.error().message(), row[2]);
+            EXPECT_EQ(key ? "" : key.error().message(), row[2].get<std::string>());
             continue;
         }
         ASSERT_TRUE(key) << key.error().message();
