@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "NimbuscopeIntentHandler/Places/Place.hpp"
+#include "NimbuscopeKit/Preferences/AppGroup.hpp"
 #include "Platform/Core/Data.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 
@@ -20,7 +21,7 @@ class SharedStorageObserver {
 /// The saved places that the application shares with its extensions. Reads may come from any thread.
 class SharedStorage {
   public:
-    static constexpr std::string_view appGroupIdentifier = "group.com.brisk-labs.Nimbuscope";
+    static constexpr std::string_view appGroupIdentifier = nimbuscope::appGroupIdentifier;
     static constexpr std::string_view placesKey = "places";
 
     /// Opens the application group's store. Stops the process when there is no such store to open.

@@ -62,5 +62,6 @@ class CommandLine {
 void addDefaults(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
 void addPlaces(CommandLine& commandLine);
+void addPreferences(CommandLine& commandLine);
 
 }  // namespace nimbuscope::tool

@@ -7,6 +7,7 @@ int main(int argumentCount, char** arguments) {
     tool::CommandLine commandLine;
     tool::addDefaults(commandLine);
     tool::addPlaces(commandLine);
+    tool::addPreferences(commandLine);
     tool::addIntents(commandLine);
     return commandLine.run(argumentCount, arguments);
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Platform/Core/NSError.hpp"
+
+namespace nimbuscope {
+
+/// Learns of errors that a service deals with itself, so that somebody does.
+class ErrorTrackingService {
+  public:
+    virtual ~ErrorTrackingService() = default;
+
+    /// Called on the thread on which the error occurred, with no store locked.
+    virtual void track(const platform::NSError& error) = 0;
+};
+
+}  // namespace nimbuscope
