@@ -114,6 +114,10 @@ std::string_view kindOf(JSONElement element) {
 }  // namespace
 
 Result<JSONElement, DecodingError> JSONDocument::parse(std::string_view text, std::size_t slack) {
+    // The parser must not be handed the null pointer that an empty text may have.
+    if (text.empty()) {
+        return std::unexpected(syntaxError(text, simdjson::EMPTY));
+    }
     JSONElement root;
     if (text.size() > parser_.capacity()) {
         // In powers of two, so that texts of slightly growing length do not each take new memory.
