@@ -59,15 +59,15 @@ class TaskPool {
     /// throws.
     template <class T>
     void start(AsyncBody<T> body, CompletionHandler<T> handler) {
-        asio::co_spawn(
-            pool(), std::move(body),
-            [completion = Completion<T>(std::move(handler))](std::exception_ptr thrown, T value) mutable {
-                if (thrown) {
-                    completion.call(std::unexpected(errorOf(thrown)));
-                } else {
-                    completion.call(std::move(value));
-                }
-            });
+        asio::co_spawn(pool(), std::move(body),
+                       [completion = Completion<T>(std::move(handler))](const std::exception_ptr& thrown,
+                                                                        T value) mutable {
+                           if (thrown) {
+                               completion.call(std::unexpected(errorOf(thrown)));
+                           } else {
+                               completion.call(std::move(value));
+                           }
+                       });
     }
 
     /// Returns when every task that can end has ended. No task may be started afterwards.
