@@ -5,9 +5,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 #include "Platform/Core/Fatal.hpp"
@@ -224,7 +224,7 @@ DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::open() const {
         if (errno == ENOENT) {
             return nullptr;
         }
-        return error(Code::cannotOpen, std::strerror(errno));
+        return error(Code::cannotOpen, std::generic_category().message(errno));
     }
     auto connection = SQLiteConnection::open(path_, busyTimeout_);
     if (!connection) {
@@ -290,7 +290,7 @@ DefaultsResult<void> SQLiteUserDefaults::create() const {
     const std::string draft = path_ + ".new-" + UUID::random().uuidString();
     const int file = ::open(draft.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (file < 0) {
-        return error(errno == ENOSPC ? Code::full : Code::cannotOpen, std::strerror(errno));
+        return error(errno == ENOSPC ? Code::full : Code::cannotOpen, std::generic_category().message(errno));
     }
     ::close(file);
     const auto initialised = initialise(draft);
@@ -300,7 +300,7 @@ DefaultsResult<void> SQLiteUserDefaults::create() const {
         return error(initialised.error());
     }
     if (linkError != 0 && linkError != EEXIST) {
-        return error(Code::cannotOpen, std::strerror(linkError));
+        return error(Code::cannotOpen, std::generic_category().message(linkError));
     }
     return {};
 }
@@ -337,12 +337,12 @@ std::optional<std::string> makeDirectories(const std::filesystem::path& director
     for (const auto& part : directory) {
         made /= part;
         if (::mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST && errno != EISDIR) {
-            return std::strerror(errno);
+            return std::generic_category().message(errno);
         }
     }
     struct stat information{};
     if (stat(directory.c_str(), &information) != 0 || !S_ISDIR(information.st_mode)) {
-        return std::strerror(ENOTDIR);
+        return std::generic_category().message(ENOTDIR);
     }
     return std::nullopt;
 }

@@ -6,9 +6,9 @@
 
 #include <array>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace nimbuscope::tool {
 namespace {
@@ -36,7 +36,7 @@ class Descriptor {
 };
 
 std::unexpected<CommandError> systemError(const std::string& what) {
-    return std::unexpected(CommandError{what, std::strerror(errno)});
+    return std::unexpected(CommandError{what, std::generic_category().message(errno)});
 }
 
 CommandResult<void> writeAll(int descriptor, std::string_view bytes, const std::string& what) {
