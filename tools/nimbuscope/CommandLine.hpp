@@ -60,6 +60,11 @@ class CommandLine {
 /// The noun that commands work with, each in a file of its own.
 void addDefaults(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
+void addPalette(CommandLine& commandLine);
 void addPlaces(CommandLine& commandLine);
+
+/// Verbs of `palette` that have files of their own.
+void addPaletteLegend(CommandLine& commandLine, CLI::App& parent);
+void addPaletteText(CommandLine& commandLine, CLI::App& parent);
 
 }  // namespace nimbuscope::tool

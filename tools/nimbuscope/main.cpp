@@ -8,5 +8,6 @@ int main(int argumentCount, char** arguments) {
     tool::addDefaults(commandLine);
     tool::addPlaces(commandLine);
     tool::addIntents(commandLine);
+    tool::addPalette(commandLine);
     return commandLine.run(argumentCount, arguments);
 }
