@@ -78,8 +78,10 @@ TEST(PreferencesServiceProcesses, changesByTwoProcessesAtOnceAreAllKept) {
         if (::fork() == 0) {
             auto service = start(directory);
             for (int i = 0; i < 100; ++i) {
-                service.modifyPreferences(
-                    [](AppPreferences& preferences) { ++preferences.main.launchesCount; });
+                service.modifyPreferences([](AppPreferences& preferences) {
+                    ++preferences.main.launchesCount;
+                    ::usleep(500);  // room for the other process, if the record were not locked
+                });
             }
             ::_exit(0);
         }

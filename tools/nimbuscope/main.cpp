@@ -9,5 +9,6 @@ int main(int argumentCount, char** arguments) {
     tool::addPlaces(commandLine);
     tool::addPreferences(commandLine);
     tool::addIntents(commandLine);
+    tool::addPalette(commandLine);
     return commandLine.run(argumentCount, arguments);
 }

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "Platform/Core/Data.hpp"
+
+namespace nimbuscope::platform {
+
+/// A bitmap and how its bytes are to be read; rows from the top. The image owns its bytes.
+struct CGImage {
+    /// Bit field of `bitmapInfo`: alpha comes last and colours are premultiplied by it.
+    static constexpr std::uint32_t alphaPremultipliedLast = 1;
+    /// Bit field of `bitmapInfo`: components lie in 32-bit words, most significant byte first.
+    static constexpr std::uint32_t byteOrder32Big = 4U << 12U;
+
+    std::size_t width = 0;
+    std::size_t height = 0;
+    std::size_t bitsPerComponent = 0;
+    std::size_t bitsPerPixel = 0;
+    std::size_t bytesPerRow = 0;
+    std::uint32_t bitmapInfo = 0;
+    Data data;
+
+    bool operator==(const CGImage&) const = default;
+};
+
+}  // namespace nimbuscope::platform

@@ -1,0 +1,213 @@
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <optional>
+
+#include "colorschemes/colorschemes.h"
+
+uint32_t nb_colors_palette_sources_count = 0;
+uint8_t* nb_colors_palette = nullptr;
+
+namespace {
+
+constexpr std::size_t sourceCount = 33;
+constexpr std::size_t recordSize = 8 + 4 * 16;  // of a palette in NB_PALETTES
+constexpr std::size_t tableSpace = 2048;        // the largest table: 512 entries
+constexpr std::size_t sectionSize = 512;        // bytes of a section of 128 entries
+constexpr std::size_t sourceSpace = 2 * tableSpace;
+
+struct Mapping {
+    std::uint32_t first;  ///< of a run of scheme numbers …
+    std::uint32_t last;
+    std::uint32_t id;  ///< … that map to this id and the ones after it
+};
+
+constexpr std::array<Mapping, 22> firstNumbering{{
+    {1, 1, 1},    {2, 2, 4},    {3, 3, 15},      {4, 4, 8},       {5, 5, 17},   {6, 7, 13},
+    {8, 8, 9},    {10, 11, 2},  {12, 14, 5},     {15, 15, 9},     {16, 18, 10}, {19, 19, 16},
+    {20, 22, 18}, {23, 23, 22}, {24, 25, 25},    {30, 30, 21},    {38, 38, 23}, {53, 53, 24},
+    {57, 57, 27}, {61, 61, 28}, {200, 200, 200}, {255, 255, 255},
+}};
+constexpr std::array<Mapping, 12> secondNumbering{{
+    {1, 7, 1},
+    {8, 8, 22},
+    {11, 15, 8},
+    {16, 17, 18},
+    {18, 18, 17},
+    {21, 22, 13},
+    {23, 23, 20},
+    {31, 32, 15},
+    {33, 33, 25},
+    {100, 101, 100},
+    {200, 200, 200},
+    {255, 255, 255},
+}};
+
+std::optional<std::uint32_t> lookUp(const auto& numbering, std::uint32_t number) {
+    for (const Mapping& mapping : numbering) {
+        if (number >= mapping.first && number <= mapping.last) {
+            return mapping.id + (number - mapping.first);
+        }
+    }
+    return std::nullopt;
+}
+
+constexpr std::uint32_t rawValues = 0;  // the palette of numbers that a numbering does not know
+
+std::uint32_t paletteId(std::uint32_t schemeNumber, std::uint32_t numbering) {
+    if (numbering == 1) {
+        return lookUp(firstNumbering, schemeNumber).value_or(rawValues);
+    }
+    return numbering == 2 ? lookUp(secondNumbering, schemeNumber).value_or(rawValues) : schemeNumber;
+}
+
+std::uint64_t readNumber(const std::uint8_t* bytes, int size) {
+    std::uint64_t number = 0;
+    for (int i = size - 1; i >= 0; --i) {
+        number = number << 8U | bytes[i];
+    }
+    return number;
+}
+
+/// The palette at an index of the stored order, with its tables once they are built.
+ColorPaletteSource sourceAt(std::size_t index) {
+    const std::uint8_t* bytes = NB_PALETTES + nb_palettes_size - (sourceCount - index) * recordSize;
+    ColorPaletteSource source{};
+    source.id = static_cast<std::uint32_t>(readNumber(bytes, 4));
+    bytes += 8;
+    for (ColorPaletteSection& section : source.sections) {
+        section = {.offset = readNumber(bytes, 8), .count = readNumber(bytes + 8, 8)};
+        bytes += 16;
+    }
+    const std::uint8_t* tables = std::atomic_ref(nb_colors_palette).load(std::memory_order_acquire);
+    if (tables != nullptr) {
+        source.colors = tables + index * sourceSpace;
+        source.indexedColors = source.colors + tableSpace;
+    }
+    return source;
+}
+
+void buildTables(const ColorPaletteSource& source, std::uint8_t* colors) {
+    std::uint8_t* section = colors;
+    std::array<std::uint32_t, 4> counts{};
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        const std::uint32_t count = counts[i] = static_cast<std::uint32_t>(source.sections[i].count);
+        if (count != 0) {
+            cs_render_pal_colors(section, NB_PALETTES + source.sections[i].offset, 0, count, 0, count);
+            section += std::size_t{count} * 4;
+        }
+    }
+    std::uint8_t* indexedColors = colors + tableSpace;
+    std::memcpy(indexedColors, colors, tableSpace);
+    cs_render_indexed_colors(indexedColors, counts[0], counts[1]);
+    cs_render_indexed_colors(indexedColors + tableSpace / 2, counts[2], counts[3]);
+}
+
+/// Bytes allocated.
+std::size_t buildAllTables() {
+    constexpr std::size_t size = sourceCount * sourceSpace;
+    auto* tables = static_cast<std::uint8_t*>(std::calloc(1, size));
+    if (tables == nullptr) {
+        return 0;
+    }
+    for (std::size_t i = 0; i < sourceCount; ++i) {
+        buildTables(sourceAt(i), tables + i * sourceSpace);
+    }
+    nb_colors_palette_sources_count = sourceCount;
+    std::atomic_ref(nb_colors_palette).store(tables, std::memory_order_release);
+    return size;
+}
+
+void bandPart(std::uint8_t* colors, std::uint64_t count) {
+    constexpr std::uint64_t width = 5;
+    for (std::uint64_t band = 2; band < count; band += width) {
+        const std::uint64_t end = std::min(band + width, count);
+        for (std::uint64_t entry = band + 1; entry < end; ++entry) {
+            std::memcpy(colors + entry * 4, colors + band * 4, 4);
+        }
+    }
+}
+
+void copyRainToAll(std::uint8_t* colors, std::size_t size) {
+    for (std::size_t section = sectionSize; section + sectionSize <= size; section += sectionSize) {
+        std::memcpy(colors + section, colors, sectionSize);
+    }
+}
+
+void clearBelow(std::uint8_t* colors, std::size_t size, std::uint32_t minimalIndex) {
+    const std::size_t cleared = std::min<std::size_t>(minimalIndex, sectionSize / 4) * 4;
+    for (std::size_t section = 0; section + sectionSize <= size; section += sectionSize) {
+        std::memset(colors + section, 0, cleared);
+    }
+}
+
+}  // namespace
+
+int cs_render_indexed_colors(uint8_t* colors, uint32_t firstCount, uint32_t secondCount) {
+    if (colors == nullptr) {
+        return 0;
+    }
+    bandPart(colors, firstCount);
+    bandPart(colors + std::size_t{firstCount} * 4, secondCount);
+    return 1;
+}
+
+int get_color_palette(uint32_t schemeNumber, uint32_t numbering, ColorPaletteSource* record) {
+    if (record == nullptr) {
+        return 0;
+    }
+    const std::uint32_t id = paletteId(schemeNumber, numbering);
+    for (std::size_t i = 0; i < sourceCount; ++i) {
+        *record = sourceAt(i);
+        if (record->id == id) {
+            return 1;
+        }
+    }
+    *record = sourceAt(0);
+    return 0;
+}
+
+size_t alloc_color_schemes(void) {
+    static std::once_flag once;
+    std::size_t allocated = 0;
+    std::call_once(once, [&] { allocated = buildAllTables(); });
+    return allocated;
+}
+
+int get_static_color_scheme(uint32_t schemeNumber, uint32_t numbering, StaticColorScheme* result,
+                            int smooth) {
+    ColorPaletteSource source;
+    if (result == nullptr) {
+        return 0;
+    }
+    const int isFound = get_color_palette(schemeNumber, numbering, &source);
+    *result = {.schemeNumber = schemeNumber,
+               .size = 0,
+               .colors = smooth != 0 ? source.colors : source.indexedColors};
+    for (const ColorPaletteSection& section : source.sections) {
+        result->size += section.count * 4;
+    }
+    return isFound;
+}
+
+uint8_t* get_color_scheme_bytes(uint32_t schemeNumber, uint32_t numbering, int smooth, int withSnow,
+                                uint32_t minimalIndex) {
+    StaticColorScheme scheme;
+    if (get_static_color_scheme(schemeNumber, numbering, &scheme, smooth) == 0 || scheme.size == 0 ||
+        scheme.colors == nullptr) {
+        return nullptr;
+    }
+    auto* colors = static_cast<std::uint8_t*>(std::malloc(scheme.size));
+    if (colors == nullptr) {
+        return nullptr;
+    }
+    std::memcpy(colors, scheme.colors, scheme.size);
+    if (withSnow == 0) {
+        copyRainToAll(colors, scheme.size);
+    }
+    clearBelow(colors, scheme.size, minimalIndex);
+    return colors;
+}

@@ -1,0 +1,177 @@
+#include "NimbuscopeKit/RadarImagery/ColorScheme.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <random>
+
+#include "NimbuscopeKit/RadarImagery/RadarColorScheme.hpp"
+#include "NimbuscopeKit/RadarImagery/Recoloring.hpp"
+#include "NimbuscopeKit/RadarImagery/SatelliteColorScheme.hpp"
+#include "NimbuscopeKit/RadarImagery/TemperatureColorScheme.hpp"
+
+namespace nimbuscope {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using platform::CGSize;
+
+Bytes entry(const ColorScheme& scheme, std::size_t index) {
+    const auto bytes = scheme.colors().subspan(index * 4, 4);
+    return {bytes.begin(), bytes.end()};
+}
+
+/// The colours of a tile, pixel by pixel, as the rules say.
+Bytes coloredByRules(std::span<const std::uint8_t> table, const Bytes& pixels) {
+    Bytes out(pixels.size());
+    for (std::size_t i = 0; i < pixels.size(); i += 4) {
+        const std::size_t value = pixels[i];
+        std::size_t index = value;
+        switch (pixels[i + 2]) {
+            case 191:
+                index = 256 + value;
+                break;
+            case 223:
+                index = 384 + value;
+                break;
+            case 255:
+                index = 128 + value;
+                break;
+            default:
+                break;
+        }
+        if (pixels[i + 2] != 223 || value < 128) {
+            std::copy_n(&table[index * 4], 4, &out[i]);
+        }
+    }
+    return out;
+}
+
+/// A tile of runs of equal pixels and of noise, all kinds of precipitation among them.
+Bytes randomTile(std::mt19937& random, std::size_t count) {
+    Bytes pixels;
+    while (pixels.size() < count * 4) {
+        Bytes pixel(4);
+        std::ranges::generate(pixel, [&] { return static_cast<std::uint8_t>(random()); });
+        constexpr std::array<std::uint8_t, 5> kinds{0, 191, 223, 255, 254};
+        pixel[2] = kinds[random() % kinds.size()];
+        for (std::size_t run = random() % 3 == 0 ? random() % 60 : 1; run > 0; --run) {
+            pixels.insert(pixels.end(), pixel.begin(), pixel.end());
+        }
+    }
+    pixels.resize(count * 4);
+    return pixels;
+}
+
+TEST(ColorScheme, EveryVariantColoursAsTheRulesSay) {
+    std::mt19937 random(5);
+    const RadarColorScheme scheme(1, true, true, -32);
+    const Recoloring recoloring(scheme.colors());
+    Recoloring::Table table{};
+    std::memcpy(table.data(), scheme.colors().data(), scheme.colors().size());
+    for (std::size_t count = 0; count < 300; ++count) {
+        const Bytes pixels = randomTile(random, count);
+        const Bytes expected = coloredByRules(scheme.colors(), pixels);
+        for (const Recoloring::Variant& variant : Recoloring::variants()) {
+            Bytes out(pixels.size(), 0xEE);
+            if (variant.isSupported) {
+                variant.function(table, pixels.data(), out.data(), count);
+                EXPECT_EQ(out, expected) << variant.name << ' ' << count;
+            }
+        }
+        EXPECT_EQ(scheme.applyColors(pixels, CGSize{static_cast<double>(count), 1}), expected);
+    }
+    EXPECT_TRUE(Recoloring::variants().back().isSupported);
+}
+
+TEST(ColorScheme, EachBlueByteHasItsSection) {
+    const RadarColorScheme scheme(1, true, true, -32);
+    const Bytes tile{100, 0, 223, 255, 200, 0, 223, 255, 60, 0, 255, 255, 60, 9, 191, 0, 130, 0, 7, 7};
+    const Bytes colored = *scheme.applyColors(tile, {5, 1});
+    const std::array<std::optional<std::size_t>, 5> entries{484, std::nullopt, 188, 316, 130};
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const Bytes pixel(colored.begin() + static_cast<std::ptrdiff_t>(i * 4),
+                          colored.begin() + static_cast<std::ptrdiff_t>(i * 4 + 4));
+        EXPECT_EQ(pixel, entries[i] ? entry(scheme, *entries[i]) : Bytes(4)) << i;
+    }
+}
+
+TEST(ColorScheme, SizesAndShortTablesAreChecked) {
+    const RadarColorScheme radar(4, true, true, -32);
+    const SatelliteColorScheme satellite;
+    EXPECT_EQ(radar.applyColors(Bytes(63), {4, 4}), std::nullopt);
+    EXPECT_EQ(radar.applyColorsDecodingImage(Bytes(63), {4, 4}), std::nullopt);
+    EXPECT_EQ(radar.decodeImage(Bytes(15), {2, 2}), std::nullopt);
+    EXPECT_EQ(radar.applyColors(Bytes(100), {0, 1e9})->size(), 0U);
+    for (const double side : {-1.0, 1e10, 1e30, std::nan(""), std::numeric_limits<double>::infinity()}) {
+        EXPECT_DEATH(static_cast<void>(radar.applyColors(Bytes(4), CGSize{side, 1e10})),
+                     "Fatal error: The size");
+    }
+    const Bytes reachable{255, 0, 0, 0, 127, 0, 255, 0, 200, 0, 223, 0};
+    EXPECT_EQ(*satellite.applyColors(reachable, {3, 1}), coloredByRules(satellite.colors(), reachable));
+    for (const Bytes& beyond : {Bytes{128, 0, 255, 0}, Bytes{0, 0, 191, 0}, Bytes{127, 0, 223, 0}}) {
+        Bytes out(4, 0xEE);
+        EXPECT_FALSE(satellite.applyColors(beyond, std::span(out)));
+        EXPECT_EQ(out, Bytes(4, 0xEE));
+        EXPECT_DEATH(static_cast<void>(satellite.applyColors(beyond, {1, 1})), "beyond the colour table");
+    }
+    Bytes out(8);
+    EXPECT_FALSE(radar.applyColors(Bytes(4), std::span(out)));
+}
+
+TEST(ColorScheme, ImagesAreDescribedAsPremultiplied) {
+    const TemperatureColorScheme scheme;
+    const auto image = scheme.applyColorsDecodingImage(Bytes(28, 90), {3, 2});
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->width, 3U);
+    EXPECT_EQ(image->height, 2U);
+    EXPECT_EQ(image->bytesPerRow, 12U);
+    EXPECT_EQ(image->bitsPerPixel, 32U);
+    EXPECT_EQ(image->bitmapInfo, 0x4001U);
+    EXPECT_EQ(image->data.size(), 24U);
+    EXPECT_EQ(Bytes(image->data.begin(), image->data.begin() + 4), entry(scheme, 90));
+}
+
+TEST(RadarColorScheme, ClearsMergesAndRefuses) {
+    const RadarColorScheme scheme(1, false, true, 0);
+    const RadarColorScheme whole(1, true, true, -32);
+    for (std::size_t index = 0; index < 512; ++index) {
+        EXPECT_EQ(entry(scheme, index), index % 128 < 32 ? Bytes(4) : entry(whole, index % 128)) << index;
+    }
+    EXPECT_NE(entry(RadarColorScheme(1, true, false, -32), 45), entry(whole, 45));
+    EXPECT_TRUE(RadarColorScheme::make(4294967295, true, true, 223));
+    for (const auto& [radar, minimalDbz] : {std::pair<std::int64_t, std::int64_t>{-1, 0},
+                                            {4294967296, 0},
+                                            {1, 224},
+                                            {1, -33},
+                                            {1, std::numeric_limits<std::int64_t>::max()}}) {
+        EXPECT_FALSE(RadarColorScheme::make(radar, true, true, minimalDbz));
+        EXPECT_DEATH(RadarColorScheme(radar, true, true, minimalDbz), "Fatal error: expected");
+    }
+}
+
+TEST(ColorScheme, LegendsTakeTheirEntries) {
+    const RadarColorScheme radar(1, true, true, -32);
+    const auto layer = radar.gradient(ColorSchemeType::Hail, GradientDirection::horizontal);
+    ASSERT_EQ(layer.colors.size(), 20U);
+    EXPECT_DOUBLE_EQ(layer.locations.back(), 0.95);
+    EXPECT_EQ(layer.colors[0], (platform::CGColor{255 / 255.0, 63 / 255.0, 53 / 255.0, 1}));  // 50 dBZ
+    EXPECT_EQ(layer.startPoint, (platform::CGPoint{0, 0.5}));
+    EXPECT_EQ(layer.endPoint, (platform::CGPoint{1, 0.5}));
+    const auto whole = radar.gradient(std::nullopt, GradientDirection::vertical);
+    EXPECT_EQ(whole.colors.size(), 255U);
+    EXPECT_EQ(whole.startPoint, (platform::CGPoint{0.5, 0}));
+    const SatelliteColorScheme satellite;
+    EXPECT_EQ(satellite.gradient(ColorSchemeType::Clouds, GradientDirection::vertical).colors.size(), 140U);
+    EXPECT_FALSE(satellite.checkedGradient(ColorSchemeType::FreezingRain, GradientDirection::vertical));
+    EXPECT_DEATH(
+        static_cast<void>(satellite.gradient(ColorSchemeType::IcePellete, GradientDirection::vertical)),
+        "ends before the legend");
+}
+
+}  // namespace
+}  // namespace nimbuscope

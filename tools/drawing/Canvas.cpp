@@ -1,0 +1,67 @@
+#include "tools/drawing/Canvas.hpp"
+
+#include <algorithm>
+
+#include "tools/drawing/BitmapFont.hpp"
+
+namespace nimbuscope::drawing {
+
+Canvas::Canvas(int width, int height) : width_(width), height_(height) {
+    const auto bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4;
+    image_ = {.width = static_cast<std::uint32_t>(width),
+              .height = static_cast<std::uint32_t>(height),
+              .pixels = platform::Data(bytes, 255)};
+}
+
+void Canvas::blend(int x, int y, const RGBA& color) {
+    if (x < 0 || y < 0 || x >= width_ || y >= height_) {
+        return;
+    }
+    const auto pixel =
+        static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(x);
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        std::uint8_t& there = image_.pixels[pixel * 4 + channel];
+        there = static_cast<std::uint8_t>((color[channel] * color[3] + there * (255 - color[3]) + 127) / 255);
+    }
+}
+
+void Canvas::fill(int x, int y, int width, int height, const RGBA& color) {
+    for (int row = y; row < y + height; ++row) {
+        for (int column = x; column < x + width; ++column) {
+            blend(column, row, color);
+        }
+    }
+}
+
+void Canvas::checker(int x, int y, int width, int height) {
+    constexpr int side = 6;
+    constexpr RGBA dark{226, 226, 226, 255};
+    for (int row = 0; row < height; row += side) {
+        for (int column = (row / side % 2) * side; column < width; column += 2 * side) {
+            fill(x + column, y + row, std::min(side, width - column), std::min(side, height - row), dark);
+        }
+    }
+}
+
+void Canvas::frame(int x, int y, int width, int height, const RGBA& color) {
+    fill(x - 1, y - 1, width + 2, 1, color);
+    fill(x - 1, y + height, width + 2, 1, color);
+    fill(x - 1, y, 1, height, color);
+    fill(x + width, y, 1, height, color);
+}
+
+void Canvas::text(int x, int y, int scale, std::string_view line, const RGBA& color) {
+    for (const char character : line) {
+        const Glyph& glyph = glyphOf(character);
+        for (int row = 0; row < Glyph::rows; ++row) {
+            for (int column = 0; column < glyph.width(); ++column) {
+                if (glyph.isSet(column, row)) {
+                    fill(x + column * scale, y + row * scale, scale, scale, color);
+                }
+            }
+        }
+        x += (glyph.width() + 1) * scale;
+    }
+}
+
+}  // namespace nimbuscope::drawing
