@@ -64,22 +64,28 @@ std::uint32_t paletteId(std::uint32_t schemeNumber, std::uint32_t numbering) {
     return numbering == 2 ? lookUp(secondNumbering, schemeNumber).value_or(rawValues) : schemeNumber;
 }
 
-std::uint64_t readNumber(const std::uint8_t* bytes, int size) {
-    std::uint64_t number = 0;
-    for (int i = size - 1; i >= 0; --i) {
-        number = number << 8U | bytes[i];
+/// A number, least significant byte first; written so that compilers make one load of it.
+template <class Number>
+Number readNumber(const std::uint8_t* bytes) {
+    Number number = 0;
+    for (std::size_t i = 0; i < sizeof(Number); ++i) {
+        number |= Number{bytes[i]} << 8 * i;
     }
     return number;
 }
 
+const std::uint8_t* recordAt(std::size_t index) {
+    return NB_PALETTES + nb_palettes_size - (sourceCount - index) * recordSize;
+}
+
 /// The palette at an index of the stored order, with its tables once they are built.
 ColorPaletteSource sourceAt(std::size_t index) {
-    const std::uint8_t* bytes = NB_PALETTES + nb_palettes_size - (sourceCount - index) * recordSize;
+    const std::uint8_t* bytes = recordAt(index);
     ColorPaletteSource source{};
-    source.id = static_cast<std::uint32_t>(readNumber(bytes, 4));
+    source.id = readNumber<std::uint32_t>(bytes);
     bytes += 8;
     for (ColorPaletteSection& section : source.sections) {
-        section = {.offset = readNumber(bytes, 8), .count = readNumber(bytes + 8, 8)};
+        section = {.offset = readNumber<std::uint64_t>(bytes), .count = readNumber<std::uint64_t>(bytes + 8)};
         bytes += 16;
     }
     const std::uint8_t* tables = std::atomic_ref(nb_colors_palette).load(std::memory_order_acquire);
@@ -88,6 +94,18 @@ ColorPaletteSource sourceAt(std::size_t index) {
         source.indexedColors = source.colors + tableSpace;
     }
     return source;
+}
+
+/// Where the palette with an id stands in the stored order, if anywhere; all ids are below 256.
+std::optional<std::size_t> indexOfId(std::uint32_t id) {
+    static const auto indexes = [] {
+        std::array<std::optional<std::uint8_t>, 256> found;
+        for (std::size_t i = sourceCount; i-- > 0;) {  // the first of its kind wins
+            found.at(readNumber<std::uint32_t>(recordAt(i))) = static_cast<std::uint8_t>(i);
+        }
+        return found;
+    }();
+    return id < indexes.size() ? indexes[id] : std::nullopt;
 }
 
 void buildTables(const ColorPaletteSource& source, std::uint8_t* colors) {
@@ -159,15 +177,9 @@ int get_color_palette(uint32_t schemeNumber, uint32_t numbering, ColorPaletteSou
     if (record == nullptr) {
         return 0;
     }
-    const std::uint32_t id = paletteId(schemeNumber, numbering);
-    for (std::size_t i = 0; i < sourceCount; ++i) {
-        *record = sourceAt(i);
-        if (record->id == id) {
-            return 1;
-        }
-    }
-    *record = sourceAt(0);
-    return 0;
+    const std::optional<std::size_t> index = indexOfId(paletteId(schemeNumber, numbering));
+    *record = sourceAt(index.value_or(0));
+    return index ? 1 : 0;
 }
 
 size_t alloc_color_schemes(void) {
@@ -208,6 +220,8 @@ uint8_t* get_color_scheme_bytes(uint32_t schemeNumber, uint32_t numbering, int s
     if (withSnow == 0) {
         copyRainToAll(colors, scheme.size);
     }
-    clearBelow(colors, scheme.size, minimalIndex);
+    if (minimalIndex != 0) {
+        clearBelow(colors, scheme.size, minimalIndex);
+    }
     return colors;
 }

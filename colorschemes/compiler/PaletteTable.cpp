@@ -15,6 +15,7 @@ using platform::Result;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr std::size_t maximalSections = 4;
+constexpr std::uint32_t maximalId = 255;
 constexpr std::size_t maximalEntries = 512;  // of a table, all sections together
 
 void appendNumber(Bytes& bytes, std::uint64_t number) {
@@ -79,6 +80,9 @@ class Compiler {
         const std::size_t sections = line.size() - 2;
         if (count == 0 || sections > maximalSections || std::uint64_t{count} * sections > maximalEntries) {
             return fault("expected at most 4 sections with 512 colours together");
+        }
+        if (id > maximalId) {
+            return fault("expected an id up to " + std::to_string(maximalId));
         }
         if (std::ranges::count(ids_, id) != 0) {
             return fault("the id " + line[0] + " comes twice");

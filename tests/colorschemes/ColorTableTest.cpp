@@ -109,6 +109,7 @@ TEST(PaletteCompiler, StoresSharedListsOnceAndNamesWhatIsWrong) {
         {"\n7 128 none", "t:2: none.pal: cannot be read"},
         {"7 128 good\n7 128 good", "t:2: the id 7 comes twice"},
         {"7 257 good good", "t:1: expected at most 4 sections"},
+        {"256 128 good", "t:1: expected an id up to 255"},
         {"7 good", "t:1: expected an id, a count"},
     };
     for (const auto& [table, expected] : cases) {
