@@ -67,7 +67,7 @@ Bytes randomTile(std::mt19937& random, std::size_t count) {
     return pixels;
 }
 
-TEST(ColorScheme, EveryVariantColoursAsTheRulesSay) {
+TEST(ColorScheme, everyVariantColoursAsTheRulesSay) {
     std::mt19937 random(5);
     const RadarColorScheme scheme(1, true, true, -32);
     const Recoloring recoloring(scheme.colors());
@@ -88,7 +88,7 @@ TEST(ColorScheme, EveryVariantColoursAsTheRulesSay) {
     EXPECT_TRUE(Recoloring::variants().back().isSupported);
 }
 
-TEST(ColorScheme, EachBlueByteHasItsSection) {
+TEST(ColorScheme, eachBlueByteHasItsSection) {
     const RadarColorScheme scheme(1, true, true, -32);
     const Bytes tile{100, 0, 223, 255, 200, 0, 223, 255, 60, 0, 255, 255, 60, 9, 191, 0, 130, 0, 7, 7};
     const Bytes colored = *scheme.applyColors(tile, {5, 1});
@@ -100,7 +100,7 @@ TEST(ColorScheme, EachBlueByteHasItsSection) {
     }
 }
 
-TEST(ColorScheme, SizesAndShortTablesAreChecked) {
+TEST(ColorScheme, sizesAndShortTablesAreChecked) {
     const RadarColorScheme radar(4, true, true, -32);
     const SatelliteColorScheme satellite;
     EXPECT_EQ(radar.applyColors(Bytes(63), {4, 4}), std::nullopt);
@@ -123,7 +123,7 @@ TEST(ColorScheme, SizesAndShortTablesAreChecked) {
     EXPECT_FALSE(radar.applyColors(Bytes(4), std::span(out)));
 }
 
-TEST(ColorScheme, ImagesAreDescribedAsPremultiplied) {
+TEST(ColorScheme, imagesAreDescribedAsPremultiplied) {
     const TemperatureColorScheme scheme;
     const auto image = scheme.applyColorsDecodingImage(Bytes(28, 90), {3, 2});
     ASSERT_TRUE(image);
@@ -136,7 +136,7 @@ TEST(ColorScheme, ImagesAreDescribedAsPremultiplied) {
     EXPECT_EQ(Bytes(image->data.begin(), image->data.begin() + 4), entry(scheme, 90));
 }
 
-TEST(RadarColorScheme, ClearsMergesAndRefuses) {
+TEST(RadarColorScheme, clearsMergesAndRefuses) {
     const RadarColorScheme scheme(1, false, true, 0);
     const RadarColorScheme whole(1, true, true, -32);
     for (std::size_t index = 0; index < 512; ++index) {
@@ -154,7 +154,7 @@ TEST(RadarColorScheme, ClearsMergesAndRefuses) {
     }
 }
 
-TEST(ColorScheme, LegendsTakeTheirEntries) {
+TEST(ColorScheme, legendsTakeTheirEntries) {
     const RadarColorScheme radar(1, true, true, -32);
     const auto layer = radar.gradient(ColorSchemeType::Hail, GradientDirection::horizontal);
     ASSERT_EQ(layer.colors.size(), 20U);

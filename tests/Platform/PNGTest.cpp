@@ -7,7 +7,7 @@
 namespace nimbuscope::platform {
 namespace {
 
-TEST(PNG, PixelsComeBackAsTheyWere) {
+TEST(PNG, pixelsComeBackAsTheyWere) {
     std::mt19937 random(1);
     RGBAImage image{.width = 37, .height = 5, .pixels = Data(37 * 5 * 4)};
     for (std::uint8_t& byte : image.pixels) {
@@ -24,7 +24,7 @@ TEST(PNG, PixelsComeBackAsTheyWere) {
     }
 }
 
-TEST(PNG, SizesMustFit) {
+TEST(PNG, sizesMustFit) {
     const Data pixels(16);
     EXPECT_TRUE(encodePNG(2, 2, pixels));
     for (const auto& [width, height] :

@@ -10,7 +10,7 @@
 namespace nimbuscope {
 namespace {
 
-TEST(ColorTable, ReadsWhatOtherViewersWrite) {
+TEST(ColorTable, readsWhatOtherViewersWrite) {
     const auto table = parseColorTable(
         "\xEF\xBB\xBFMy storm colours, 2019 edition\r\n"
         "; units follow\r\n"
@@ -38,7 +38,7 @@ TEST(ColorTable, ReadsWhatOtherViewersWrite) {
     EXPECT_EQ(colors[241], (RGBA{5, 6, 7, 8}));
 }
 
-TEST(ColorTable, MalformedLinesAreErrorsWithTheirNumber) {
+TEST(ColorTable, malformedLinesAreErrorsWithTheirNumber) {
     const std::map<std::string, std::string> cases{
         {"", "no colour in the whole table"},
         {"Units: DBZ\nfree text\n", "no colour in the whole table"},
@@ -65,7 +65,7 @@ TEST(ColorTable, MalformedLinesAreErrorsWithTheirNumber) {
     }
 }
 
-TEST(ColorTable, StopListsComeBackByteForByteThroughText) {
+TEST(ColorTable, stopListsComeBackByteForByteThroughText) {
     for (std::uint32_t id = 0; id < 256; ++id) {
         ColorPaletteSource source;
         if (get_color_palette(id, 0, &source) == 0) {
@@ -88,7 +88,7 @@ TEST(ColorTable, StopListsComeBackByteForByteThroughText) {
     }
 }
 
-TEST(PaletteCompiler, StoresSharedListsOnceAndNamesWhatIsWrong) {
+TEST(PaletteCompiler, storesSharedListsOnceAndNamesWhatIsWrong) {
     std::map<std::string, std::string> files{{"good.pal", "Units: DBZ\nColor: 10 1 2 3\n"},
                                              {"bad.pal", "Units: DBZ\n\nColor: 10 1 2\n"},
                                              {"high.pal", "Units: DBZ\nColor: 224 1 2 3\n"},

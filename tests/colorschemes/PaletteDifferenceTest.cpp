@@ -76,7 +76,7 @@ double ciede2000(const Vector& one, const Vector& two) {
     return std::sqrt(dL * dL + dC * dC + dH * dH - std::sin(radians(2 * theta)) * rc * dC * dH);
 }
 
-TEST(PaletteDifference, AgreesWithThePublishedPairs) {
+TEST(PaletteDifference, agreesWithThePublishedPairs) {
     // Pairs 1, 7, 17 and 25 of Sharma, Wu and Dalal 2005.
     EXPECT_NEAR(ciede2000({50, 2.6772, -79.7751}, {50, 0, -82.7485}), 2.0425, 5e-5);
     EXPECT_NEAR(ciede2000({50, 0, 0}, {50, -1, 2}), 2.3669, 5e-5);
@@ -84,7 +84,7 @@ TEST(PaletteDifference, AgreesWithThePublishedPairs) {
     EXPECT_NEAR(ciede2000({60.2574, -34.0099, 36.2677}, {60.4626, -34.1751, 39.4387}), 1.2644, 5e-5);
 }
 
-TEST(PaletteDifference, RainStepsOfFiveDBZAreToldApart) {
+TEST(PaletteDifference, rainStepsOfFiveDBZAreToldApart) {
     constexpr double least = 3;
     // Raw values are 5 grey levels apart; scheme 4 shows one white from 65 to 74 dBZ and one green from 75
     // on.

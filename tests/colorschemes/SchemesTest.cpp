@@ -37,7 +37,7 @@ Bytes entry(const Bytes& table, std::size_t index) {
             table.begin() + static_cast<std::ptrdiff_t>(index * 4 + 4)};
 }
 
-TEST(Schemes, AreBuiltOnceForAllThreads) {
+TEST(Schemes, areBuiltOnceForAllThreads) {
     std::vector<std::size_t> allocated(4);
     std::vector<std::thread> threads;
     for (std::size_t& bytes : allocated) {
@@ -54,7 +54,7 @@ TEST(Schemes, AreBuiltOnceForAllThreads) {
     EXPECT_EQ(table_size_in_c(), 2048);
 }
 
-TEST(Schemes, NumberingsFindTheirPalettes) {
+TEST(Schemes, numberingsFindTheirPalettes) {
     const std::map<std::uint32_t, std::map<std::uint32_t, std::uint32_t>> numberings{
         {1, {{1, 1},   {2, 4},   {3, 15},  {4, 8},   {5, 17},  {6, 13},    {7, 14},   {8, 9},
              {10, 2},  {11, 3},  {12, 5},  {13, 6},  {14, 7},  {15, 9},    {16, 10},  {17, 11},
@@ -81,7 +81,7 @@ TEST(Schemes, NumberingsFindTheirPalettes) {
     EXPECT_EQ(get_color_scheme_bytes(29, 3, 1, 1, 0), nullptr);
 }
 
-TEST(Schemes, StoredColoursAppearAtTheirPositions) {
+TEST(Schemes, storedColoursAppearAtTheirPositions) {
     const struct {
         std::uint32_t id;
         std::size_t entry;
@@ -114,7 +114,7 @@ TEST(Schemes, StoredColoursAppearAtTheirPositions) {
     }
 }
 
-TEST(Schemes, PalettesShareTheSectionsThatBelongTogether) {
+TEST(Schemes, palettesShareTheSectionsThatBelongTogether) {
     const Bytes shared = table(2, 3);
     for (const std::uint32_t id : {4U, 6U, 7U, 8U, 10U, 11U, 12U, 14U, 16U, 28U}) {
         for (const std::size_t index : {1U, 2U, 3U}) {
@@ -135,7 +135,7 @@ TEST(Schemes, PalettesShareTheSectionsThatBelongTogether) {
     EXPECT_EQ(section(table(13, 3), 0), section(table(13, 3), 3));
 }
 
-TEST(Schemes, CopiesAreBandedClearedAndDrawnAsRain) {
+TEST(Schemes, copiesAreBandedClearedAndDrawnAsRain) {
     const Bytes smooth = table(1);
     const Bytes banded = table(1, 2, false);
     for (std::size_t i = 0; i < 512; ++i) {

@@ -64,7 +64,7 @@ Bytes renderedByRules(const std::vector<ColorPaletteEntry>& stops, double from, 
     return out;
 }
 
-TEST(Stops, ChannelsAreTruncatedAndNeverUndefined) {
+TEST(Stops, channelsAreTruncatedAndNeverUndefined) {
     const Bytes from{255, 0, 10, 255};
     const Bytes to{0, 255, 20, 255};
     const double infinity = std::numeric_limits<double>::infinity();
@@ -89,7 +89,7 @@ TEST(Stops, ChannelsAreTruncatedAndNeverUndefined) {
     cs_interpolate_color(nullptr, to.data(), nullptr, 0.5);
 }
 
-TEST(Stops, EveryFormIsParsed) {
+TEST(Stops, everyFormIsParsed) {
     const Bytes bytes{0x0F, 62, 1, 2, 3, 4, 5, 6, 7, 8};
     const struct {
         std::uint8_t flags;
@@ -111,7 +111,7 @@ TEST(Stops, EveryFormIsParsed) {
     EXPECT_EQ(cs_get_palette_entry(nullptr, nullptr), 0U);
 }
 
-TEST(Stops, TablesFollowTheRulesOnAnyList) {
+TEST(Stops, tablesFollowTheRulesOnAnyList) {
     std::mt19937 random(4);
     for (int round = 0; round < 500; ++round) {
         Bytes stops;
@@ -131,7 +131,7 @@ TEST(Stops, TablesFollowTheRulesOnAnyList) {
     }
 }
 
-TEST(Stops, TheStretchedTableReachesBothEnds) {
+TEST(Stops, theStretchedTableReachesBothEnds) {
     const Bytes fade = rendered({1, 42, 200, 100, 50, 1, 82, 0, 0, 0}, 0, 128, 0, 128);
     EXPECT_EQ(entry(fade, 0), (Bytes{0, 0, 0, 0}));
     EXPECT_EQ(entry(fade, 21), (Bytes{100, 50, 25, 128}));  // 21.165 of 42
@@ -144,7 +144,7 @@ TEST(Stops, TheStretchedTableReachesBothEnds) {
     EXPECT_EQ(rendered({1, 0, 9, 9, 9}, 0, 8, 4, 2), Bytes(8, 0xEE));
 }
 
-TEST(Stops, UnsoundListsAreFoundAndNotRendered) {
+TEST(Stops, unsoundListsAreFoundAndNotRendered) {
     const Bytes sound = listOf({1, 42, 9, 9, 9, 0x0D, 82, 1, 2, 3, 4, 5, 6, 7, 8});
     std::size_t offset = 0;
     for (std::size_t size = 0; size < sound.size(); ++size) {
@@ -172,7 +172,7 @@ TEST(Stops, UnsoundListsAreFoundAndNotRendered) {
     EXPECT_EQ(out, Bytes(16, 0xEE));
 }
 
-TEST(Stops, BandsOfFiveBeginAtEntryTwoOfEachPart) {
+TEST(Stops, bandsOfFiveBeginAtEntryTwoOfEachPart) {
     Bytes colors(20 * 4);
     for (std::size_t i = 0; i < colors.size(); ++i) {
         colors[i] = static_cast<std::uint8_t>(i / 4);

@@ -1,13 +1,8 @@
-// The noun `palette`, from outside: the program is run as users run it.
-
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <string>
@@ -15,69 +10,52 @@
 #include "Platform/Coding/JSONDocument.hpp"
 #include "Platform/Graphics/PNG.hpp"
 #include "colorschemes/colorschemes.h"
+#include "tests/support/Process.hpp"
+#include "tests/support/TemporaryDirectory.hpp"
 
-namespace nimbuscope {
+namespace nimbuscope::testing {
 namespace {
 
-struct Outcome {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-class Palette : public testing::Test {
-  protected:
-    void SetUp() override {
-        std::string pattern = testing::TempDir() + "paletteXXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        directory_ = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(directory_); }
-
-    [[nodiscard]] std::string path(const std::string& name) const { return directory_ / name; }
-
-    [[nodiscard]] std::string read(const std::string& name) const {
-        std::ifstream stream(path(name), std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
-
-    void write(const std::string& name, const std::string& bytes) const {
-        std::ofstream(path(name), std::ios::binary) << bytes;
-    }
+struct PaletteCommand : ::testing::Test {
+    TemporaryDirectory directory;
 
     /// Runs `nimbuscope palette ARGUMENTS` inside the directory.
-    [[nodiscard]] Outcome run(const std::string& arguments) const {
-        const std::string command = "cd '" + directory_.string() + "' && '" NIMBUSCOPE_PROGRAM "' palette " +
-                                    arguments + " >.out 2>.err </dev/null";
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(".out"), read(".err")};
+    [[nodiscard]] Outcome call(const std::string& arguments) const {
+        return run({"/bin/sh", "-c",
+                    "cd '" + directory.path() +
+                        "' && exec " NIMBUSCOPE_BINARY_DIRECTORY "/tools/nimbuscope/nimbuscope palette " +
+                        arguments});
     }
-
+    [[nodiscard]] std::string read(const std::string& name) const { return readFile(directory.path(name)); }
+    void write(const std::string& name, const std::string& bytes) const {
+        writeFile(directory.path(name), bytes);
+    }
+    [[nodiscard]] bool exists(const std::string& name) const {
+        return std::filesystem::exists(directory.path(name));
+    }
     /// Whether a file is a PNG picture that shows something.
     [[nodiscard]] bool isPicture(const std::string& name) const {
         const auto image = platform::decodePNG(platform::dataOf(read(name)), 4'000'000);
         return image && std::ranges::count(image->pixels, 255) < std::ssize(image->pixels);
     }
-
-    std::filesystem::path directory_;
 };
 
-TEST_F(Palette, TablesAreThoseOfTheLibrary) {
+TEST_F(PaletteCommand, tablesAreThoseOfTheLibrary) {
     alloc_color_schemes();
     const std::unique_ptr<std::uint8_t, decltype(&std::free)> expected(get_color_scheme_bytes(3, 1, 0, 0, 50),
                                                                        &std::free);
-    EXPECT_EQ(run("bytes 3 --numbering 1 --indexed --no-snow --minimal-index 50 -o t").code, 0);
+    EXPECT_EQ(call("bytes 3 --numbering 1 --indexed --no-snow --minimal-index 50 -o t").exitCode, 0);
     EXPECT_EQ(read("t"), std::string(reinterpret_cast<const char*>(expected.get()), 2048));
-    EXPECT_EQ(run("bytes 100 -o -").out.size(), 1024U);
+    EXPECT_EQ(call("bytes 100 -o -").output.size(), 1024U);
 }
 
-TEST_F(Palette, StopListsAreRenderedOrRefused) {
+TEST_F(PaletteCommand, stopListsAreRenderedOrRefused) {
     const std::string header(8, '\0');
     const std::string stop = "\x01\x02\x10\x20\x30";
     write("good", header + stop + header);
-    const Outcome done = run("render-stops good --from 0 --to 4 --start 1 --count 4 -o -");
-    EXPECT_EQ(done.out, std::string(8, '\0') + "\x10\x20\x30\xFF\x10\x20\x30\xFF");
-    EXPECT_EQ(run("render-stops good -o -").out.size(), 512U);
+    const Outcome done = call("render-stops good --from 0 --to 4 --start 1 --count 4 -o -");
+    EXPECT_EQ(done.output, std::string(8, '\0') + "\x10\x20\x30\xFF\x10\x20\x30\xFF");
+    EXPECT_EQ(call("render-stops good -o -").output.size(), 512U);
     write("empty", "");
     write("header", "12345678" + stop + header);
     write("none", header + header);
@@ -89,51 +67,51 @@ TEST_F(Palette, StopListsAreRenderedOrRefused) {
                                                     {"missing", "No such file"},
                                                     {"good --count 4294967295", "--count"}};
     for (const auto& [arguments, expected] : faults) {
-        const Outcome failed = run("render-stops " + arguments + " -o out");
-        EXPECT_EQ(failed.code, 1) << arguments;
-        EXPECT_NE(failed.err.find(expected), std::string::npos) << failed.err;
-        EXPECT_FALSE(std::filesystem::exists(path("out")));
+        const Outcome failed = call("render-stops " + arguments + " -o out");
+        EXPECT_EQ(failed.exitCode, 1) << arguments;
+        EXPECT_NE(failed.errors.find(expected), std::string::npos) << failed.errors;
+        EXPECT_FALSE(exists("out"));
     }
 }
 
-TEST_F(Palette, PicturesAreDrawn) {
+TEST_F(PaletteCommand, picturesAreDrawn) {
     for (const char* arguments : {"render 4", "render 15 --indexed --no-snow --minimal-dbz -5", "render 100",
                                   "legend 4 --type Rain", "legend 101 --type Clouds --direction vertical"}) {
-        std::filesystem::remove(path("p.png"));
-        const Outcome done = run(std::string(arguments) + " -o p.png");
-        EXPECT_EQ(done.code, 0) << done.err;
+        std::filesystem::remove(directory.path("p.png"));
+        const Outcome done = call(std::string(arguments) + " -o p.png");
+        EXPECT_EQ(done.exitCode, 0) << done.errors;
         EXPECT_TRUE(isPicture("p.png")) << arguments;
     }
 }
 
-TEST_F(Palette, ListAndLegendAreJSON) {
+TEST_F(PaletteCommand, listAndLegendAreJSON) {
     platform::JSONDocument document;
-    const Outcome list = run("list --json");
-    ASSERT_TRUE(document.parse(list.out)) << list.out;
-    EXPECT_NE(list.out.find(R"({"scheme":17,"title":"Meteored","id":19,"stops":[15,16,16,16]})"),
+    const Outcome list = call("list --json");
+    ASSERT_TRUE(document.parse(list.output)) << list.output;
+    EXPECT_NE(list.output.find(R"({"scheme":17,"title":"Meteored","id":19,"stops":[15,16,16,16]})"),
               std::string::npos);
-    const Outcome legend = run("legend 13 --type Hail --json");
-    ASSERT_TRUE(document.parse(legend.out)) << legend.out;
-    EXPECT_NE(legend.out.find(R"("startPoint":[0,0.5],"endPoint":[1,0.5]})"), std::string::npos)
-        << legend.out;
-    EXPECT_EQ(std::ranges::count(legend.out, '['), 24);
+    const Outcome legend = call("legend 13 --type Hail --json");
+    ASSERT_TRUE(document.parse(legend.output)) << legend.output;
+    EXPECT_NE(legend.output.find(R"("startPoint":[0,0.5],"endPoint":[1,0.5]})"), std::string::npos)
+        << legend.output;
+    EXPECT_EQ(std::ranges::count(legend.output, '['), 24);
 }
 
-TEST_F(Palette, ExportedTextIsImportedAgain) {
-    ASSERT_EQ(run("export 4 -o rain.pal").code, 0);
-    EXPECT_EQ(run("import rain.pal --stops rain.stops -o p.png").code, 0);
+TEST_F(PaletteCommand, exportedTextIsImportedAgain) {
+    ASSERT_EQ(call("export 4 -o rain.pal").exitCode, 0);
+    EXPECT_EQ(call("import rain.pal --stops rain.stops -o p.png").exitCode, 0);
     EXPECT_TRUE(isPicture("p.png"));
-    ASSERT_EQ(run("render-stops rain.stops -o rain.rgba").code, 0);
-    EXPECT_EQ(read("rain.rgba"), run("bytes 4 -o -").out.substr(0, 512));
+    ASSERT_EQ(call("render-stops rain.stops -o rain.rgba").exitCode, 0);
+    EXPECT_EQ(read("rain.rgba"), call("bytes 4 -o -").output.substr(0, 512));
     write("bad.pal", "Color: 10 1 2 3\nColor: 20 1 2 3;note\nColor: 30 1 2 x\n");
-    const Outcome failed = run("import bad.pal -o out.png");
-    EXPECT_EQ(failed.code, 1);
-    EXPECT_EQ(failed.err,
+    const Outcome failed = call("import bad.pal -o out.png");
+    EXPECT_EQ(failed.exitCode, 1);
+    EXPECT_EQ(failed.errors,
               "nimbuscope: bad.pal: line 3: expected a colour component from 0 to 255, found 'x'\n");
-    EXPECT_FALSE(std::filesystem::exists(path("out.png")));
+    EXPECT_FALSE(exists("out.png"));
 }
 
-TEST_F(Palette, WrongArgumentsLeaveNothingBehind) {
+TEST_F(PaletteCommand, wrongArgumentsLeaveNothingBehind) {
     const std::map<std::string, int> cases{
         {"render -1 -o out", 1},
         {"render 4294967296 -o out", 1},
@@ -149,13 +127,13 @@ TEST_F(Palette, WrongArgumentsLeaveNothingBehind) {
         {"", 2},
     };
     for (const auto& [arguments, code] : cases) {
-        const Outcome failed = run(arguments);
-        EXPECT_EQ(failed.code, code) << arguments;
-        EXPECT_EQ(failed.err.find("nimbuscope: "), 0U) << failed.err;
-        EXPECT_EQ(failed.out, "") << arguments;
-        EXPECT_FALSE(std::filesystem::exists(path("out"))) << arguments;
+        const Outcome failed = call(arguments);
+        EXPECT_EQ(failed.exitCode, code) << arguments;
+        EXPECT_EQ(failed.errors.find("nimbuscope: "), 0U) << failed.errors;
+        EXPECT_EQ(failed.output, "") << arguments;
+        EXPECT_FALSE(exists("out")) << arguments;
     }
 }
 
 }  // namespace
-}  // namespace nimbuscope
+}  // namespace nimbuscope::testing
