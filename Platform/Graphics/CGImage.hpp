@@ -11,6 +11,10 @@ namespace nimbuscope::platform {
 struct CGImage {
     /// Bit field of `bitmapInfo`: alpha comes last and colours are premultiplied by it.
     static constexpr std::uint32_t alphaPremultipliedLast = 1;
+    /// Bit field of `bitmapInfo`: alpha comes last and colours are as if opaque.
+    static constexpr std::uint32_t alphaLast = 3;
+    /// Bit field of `bitmapInfo`: components have 16 bits, most significant byte first.
+    static constexpr std::uint32_t byteOrder16Big = 3U << 12U;
     /// Bit field of `bitmapInfo`: components lie in 32-bit words, most significant byte first.
     static constexpr std::uint32_t byteOrder32Big = 4U << 12U;
 
