@@ -1,38 +1,85 @@
 #include "Platform/Linux/Locale_icu.hpp"
 
+#include <unicode/uloc.h>
 #include <unicode/ulocdata.h>
+#include <unicode/ustring.h>
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 
 namespace nimbuscope::platform {
+namespace {
 
-ICULocale::ICULocale(std::string_view posixName)
-    : identifier_(posixName.substr(0, posixName.find_first_of(".@"))) {
+std::string identifierOf(std::string_view posixName) {
+    std::string identifier(posixName.substr(0, posixName.find_first_of(".@")));
     // To the Unicode data these names would be languages that they do not have.
-    if (identifier_ == "C" || identifier_ == "POSIX") {
-        identifier_.clear();
-    }
+    return identifier == "C" || identifier == "POSIX" ? std::string() : identifier;
 }
 
-ICULocale ICULocale::ofUser() {
-    for (const char* variable : {"LC_ALL", "LC_MEASUREMENT", "LANG"}) {
+std::string_view userChoice(const char* category) {
+    for (const char* variable : {"LC_ALL", category, "LANG"}) {
         const char* name = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): the caller vouches for it
         if (name != nullptr && *name != '\0') {
-            return ICULocale(name);
+            return name;
         }
     }
-    return ICULocale("");
+    return "";
+}
+
+std::optional<std::string> utf8Of(const UChar* text, std::int32_t length) {
+    std::array<char, 1024> bytes;
+    std::int32_t size = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    u_strToUTF8(bytes.data(), bytes.size(), &size, text, length, &status);
+    return U_SUCCESS(status) ? std::optional(std::string(bytes.data(), static_cast<std::size_t>(size)))
+                             : std::nullopt;
+}
+
+/// Whether a code can be a country's; ZZ stands for none, although it has a text.
+bool isCountryCode(std::string_view code) {
+    const auto isLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+    const auto isFigure = [](char c) { return c >= '0' && c <= '9'; };
+    const bool isNone = code == "ZZ" || code == "zz";
+    return (!isNone && (code.size() == 2 || code.size() == 3) && std::ranges::all_of(code, isLetter)) ||
+           (code.size() == 3 && std::ranges::all_of(code, isFigure));
+}
+
+}  // namespace
+
+ICULocale::ICULocale(std::string_view posixName) : measures_(identifierOf(posixName)), reads_(measures_) {}
+
+ICULocale ICULocale::ofUser() {
+    ICULocale locale(userChoice("LC_MEASUREMENT"));
+    locale.reads_ = identifierOf(userChoice("LC_MESSAGES"));
+    return locale;
 }
 
 bool ICULocale::usesMetricSystem() const {
     // An empty identifier would ask for the process's default locale instead.
-    if (identifier_.empty()) {
+    if (measures_.empty()) {
         return true;
     }
     UErrorCode status = U_ZERO_ERROR;
-    const UMeasurementSystem system = ulocdata_getMeasurementSystem(identifier_.c_str(), &status);
+    const UMeasurementSystem system = ulocdata_getMeasurementSystem(measures_.c_str(), &status);
     // The British system differs from the metric one on roads only.
     return U_FAILURE(status) || system != UMS_US;
+}
+
+std::optional<std::string> ICULocale::displayNameOfCountry(std::string_view code) const {
+    if (!isCountryCode(code)) {
+        return std::nullopt;
+    }
+    const std::string locale = "und_" + std::string(code);
+    std::array<UChar, 256> name;
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t length = uloc_getDisplayCountry(locale.c_str(), reads_.empty() ? "en" : reads_.c_str(),
+                                                       name.data(), name.size(), &status);
+    auto text = U_SUCCESS(status) ? utf8Of(name.data(), length) : std::nullopt;
+    // Where no language has a name, the code comes back, in capitals.
+    std::array<char, 8> capitals{};
+    uloc_getCountry(locale.c_str(), capitals.data(), capitals.size(), &status);
+    return U_SUCCESS(status) && text == capitals.data() ? std::nullopt : text;
 }
 
 }  // namespace nimbuscope::platform

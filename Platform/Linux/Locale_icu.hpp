@@ -14,14 +14,21 @@ class ICULocale final : public Locale {
     /// empty name and names that nobody knows stand for no region: metric.
     explicit ICULocale(std::string_view posixName);
 
-    /// The locale in which the user measures: the first of `LC_ALL`, `LC_MEASUREMENT` and `LANG` that is set
-    /// and not empty. Reads the environment, which no other thread may change meanwhile.
+    /// The locale of the user, who measures by the first of `LC_ALL`, `LC_MEASUREMENT` and `LANG` that is set
+    /// and not empty, and reads by the first of `LC_ALL`, `LC_MESSAGES` and `LANG`. Reads the environment,
+    /// which no other thread may change meanwhile.
     [[nodiscard]] static ICULocale ofUser();
 
     [[nodiscard]] bool usesMetricSystem() const override;
 
+    /// In English where the locale has no language. Countries are those of ISO 3166 with two or three letters
+    /// or three figures.
+    [[nodiscard]] std::optional<std::string> displayNameOfCountry(std::string_view code) const override;
+
   private:
-    std::string identifier_;  ///< language and region: "de_CH"; empty for no region
+    // Language and region: "de_CH"; empty for no region.
+    std::string measures_;
+    std::string reads_;
 };
 
 }  // namespace nimbuscope::platform

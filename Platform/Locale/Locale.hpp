@@ -1,5 +1,9 @@
 #pragma once
 
+#include <optional>
+#include <string>
+#include <string_view>
+
 namespace nimbuscope::platform {
 
 /// The customs of a language and a region.
@@ -9,6 +13,10 @@ class Locale {
 
     /// True unless the region measures in miles, inches and degrees Fahrenheit. Safe from any thread.
     [[nodiscard]] virtual bool usesMetricSystem() const = 0;
+
+    /// The name of a country (ISO 3166 code, in any case) in the locale's language; absent where it has none.
+    /// Safe from any thread.
+    [[nodiscard]] virtual std::optional<std::string> displayNameOfCountry(std::string_view code) const = 0;
 };
 
 }  // namespace nimbuscope::platform

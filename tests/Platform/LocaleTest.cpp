@@ -15,5 +15,20 @@ TEST(ICULocale, knowsByNameWhereMilesAreUsed) {
     }
 }
 
+TEST(ICULocale, namesCountriesInItsLanguage) {
+    const auto name = [](const char* locale, std::string_view code) {
+        return platform::ICULocale(locale).displayNameOfCountry(code);
+    };
+    EXPECT_EQ(name("de_CH.UTF-8", "US"), "Vereinigte Staaten");
+    EXPECT_EQ(name("fr", "de"), "Allemagne");
+    EXPECT_EQ(name("ja_JP", "AUT"), "オーストリア");
+    for (const char* english : {"C", "", "en_US.UTF-8", "no such locale"}) {
+        EXPECT_EQ(name(english, "CH"), "Switzerland") << english;
+        for (const char* code : {"QQ", "ZZ", "zz", "999", "", "U", "USAX", "U1", "\xC3\x9F", "US_POSIX"}) {
+            EXPECT_EQ(name(english, code), std::nullopt) << code;
+        }
+    }
+}
+
 }  // namespace
 }  // namespace nimbuscope::testing

@@ -4,11 +4,14 @@
 
 namespace nimbuscope::testing {
 
-/// A locale whose customs the test chooses.
+/// A locale whose customs the test chooses. It knows one country, XA.
 class FixedLocale final : public platform::Locale {
   public:
     explicit FixedLocale(bool usesMetricSystem) : usesMetricSystem_(usesMetricSystem) {}
     [[nodiscard]] bool usesMetricSystem() const override { return usesMetricSystem_; }
+    [[nodiscard]] std::optional<std::string> displayNameOfCountry(std::string_view code) const override {
+        return code == "XA" ? std::optional<std::string>("Testland") : std::nullopt;
+    }
 
   private:
     bool usesMetricSystem_;
