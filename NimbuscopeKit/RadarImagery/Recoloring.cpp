@@ -34,102 +34,160 @@ std::uint32_t pixelAt(const std::uint8_t* bytes) {
     return pixel;
 }
 
-void recolorOneByOne(const Recoloring::Table& table, const std::uint8_t* pixels, std::uint8_t* out,
-                     std::size_t count) {
+/// How pixels lie in memory, and which entry each asks for.
+struct RGBAPixels {
+    using Unit = std::uint32_t;
+    static std::uint32_t entryAt(const std::uint8_t* pixel) { return entryOf(pixelAt(pixel)); }
+};
+
+struct Indices {
+    using Unit = std::uint8_t;
+    static std::uint32_t entryAt(const std::uint8_t* pixel) { return *pixel; }
+};
+
+template <class Source>
+void colorOneByOne(const Recoloring::Table& table, const std::uint8_t* pixels, std::uint8_t* out,
+                   std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
-        std::memcpy(out + i * pixelSize, &table[entryOf(pixelAt(pixels + i * pixelSize))], pixelSize);
+        std::memcpy(out + i * pixelSize, &table[Source::entryAt(pixels + i * sizeof(typename Source::Unit))],
+                    pixelSize);
     }
 }
 
 /// Blocks of sixteen, with a short cut for blocks of one colour, which most of a tile without rain consists
 /// of.
-void recolorPortably(const Recoloring::Table& table, const std::uint8_t* pixels, std::uint8_t* out,
-                     std::size_t count) {
-    std::array<std::uint32_t, blockSize> block;
+template <class Source>
+void colorPortably(const Recoloring::Table& table, const std::uint8_t* pixels, std::uint8_t* out,
+                   std::size_t count) {
+    using Unit = Source::Unit;
+    std::array<Unit, blockSize> block;
+    std::array<std::uint32_t, blockSize> colors;
     std::size_t i = 0;
     for (; i + blockSize <= count; i += blockSize) {
-        std::memcpy(block.data(), pixels + i * pixelSize, sizeof block);
+        const std::uint8_t* source = pixels + i * sizeof(Unit);
+        std::memcpy(block.data(), source, sizeof block);
         std::uint32_t difference = 0;
-        for (const std::uint32_t pixel : block) {
+        for (const Unit pixel : block) {
             difference |= pixel ^ block[0];
         }
         if (difference == 0) {
-            block.fill(table[entryOf(block[0])]);
-            std::memcpy(out + i * pixelSize, block.data(), sizeof block);
+            colors.fill(table[Source::entryAt(source)]);
+            std::memcpy(out + i * pixelSize, colors.data(), sizeof colors);
         } else {
-            recolorOneByOne(table, pixels + i * pixelSize, out + i * pixelSize, blockSize);
+            colorOneByOne<Source>(table, source, out + i * pixelSize, blockSize);
         }
     }
-    recolorOneByOne(table, pixels + i * pixelSize, out + i * pixelSize, count - i);
+    colorOneByOne<Source>(table, pixels + i * sizeof(Unit), out + i * pixelSize, count - i);
 }
 
 #if defined(__x86_64__)
-/// Eight table entries, as `entryOf`.
-[[gnu::target("avx2")]] inline __m256i entriesOf(__m256i pixels) {
-    const __m256i byte = _mm256_set1_epi32(0xFF);
-    const __m256i blue = _mm256_and_si256(_mm256_srli_epi32(pixels, blueShift), byte);
-    const auto section = [&](int kind, int first) __attribute__((target("avx2"))) {
-        return _mm256_and_si256(_mm256_cmpeq_epi32(blue, _mm256_set1_epi32(kind)), _mm256_set1_epi32(first));
-    };
-    const __m256i sections =
-        _mm256_or_si256(_mm256_or_si256(section(191, 256), section(223, 384)), section(255, 128));
-    return _mm256_min_epi32(_mm256_add_epi32(sections, _mm256_and_si256(pixels, byte)),
-                            _mm256_set1_epi32(static_cast<int>(transparentEntry)));
-}
-
-/// Looks up two entries that lie in one word. Loads one by one: gathering them is slower.
-[[gnu::target("avx2"), gnu::always_inline]] inline void lookUpPair(const Recoloring::Table& table,
-                                                                   long long pair, std::uint8_t* out) {
-    const auto entries = static_cast<std::uint64_t>(pair);
-    const std::uint64_t first = table[entries & 0xFFFFFFFFU];
-    const std::uint64_t second = table[entries >> 32U];
-    const std::uint64_t colors = first | second << 32U;
+/// Looks up two entries. Loads one by one: gathering them is slower.
+[[gnu::always_inline]] inline void lookUpPair(const Recoloring::Table& table, std::uint64_t first,
+                                              std::uint64_t second, std::uint8_t* out) {
+    const std::uint64_t colors = table[first] | std::uint64_t{table[second]} << 32U;
     std::memcpy(out, &colors, sizeof colors);
 }
 
-[[gnu::target("avx2"), gnu::always_inline]] inline void lookUpEight(const Recoloring::Table& table,
-                                                                    __m256i entries, std::uint8_t* out) {
-    const __m128i low = _mm256_castsi256_si128(entries);
-    const __m128i high = _mm256_extracti128_si256(entries, 1);
-    lookUpPair(table, _mm_cvtsi128_si64(low), out);
-    lookUpPair(table, _mm_extract_epi64(low, 1), out + 8);
-    lookUpPair(table, _mm_cvtsi128_si64(high), out + 16);
-    lookUpPair(table, _mm_extract_epi64(high, 1), out + 24);
-}
-
-[[gnu::target("avx2")]] void recolorAVX2(const Recoloring::Table& table, const std::uint8_t* pixels,
-                                         std::uint8_t* out, std::size_t count) {
-    std::size_t i = 0;
-    for (; i + blockSize <= count; i += blockSize) {
-        const auto* source = reinterpret_cast<const __m256i*>(pixels + i * pixelSize);
-        auto* target = reinterpret_cast<__m256i*>(out + i * pixelSize);
+struct RGBAPixelsAVX2 : RGBAPixels {
+    [[gnu::target("avx2"), gnu::always_inline]] static inline bool isOfOneColor(const std::uint8_t* block) {
+        const auto* source = reinterpret_cast<const __m256i*>(block);
         const __m256i left = _mm256_loadu_si256(source);
         const __m256i right = _mm256_loadu_si256(source + 1);
         const __m256i first = _mm256_broadcastd_epi32(_mm256_castsi256_si128(left));
         const __m256i difference =
             _mm256_or_si256(_mm256_xor_si256(left, first), _mm256_xor_si256(right, first));
-        if (_mm256_testz_si256(difference, difference) != 0) {
-            const std::uint32_t pixel = static_cast<std::uint32_t>(_mm256_cvtsi256_si32(left));
-            const __m256i color = _mm256_set1_epi32(static_cast<int>(table[entryOf(pixel)]));
+        return _mm256_testz_si256(difference, difference) != 0;
+    }
+
+    /// Eight table entries, as `entryOf`.
+    [[gnu::target("avx2"), gnu::always_inline]] static inline __m256i entriesOf(__m256i pixels) {
+        const __m256i byte = _mm256_set1_epi32(0xFF);
+        const __m256i blue = _mm256_and_si256(_mm256_srli_epi32(pixels, blueShift), byte);
+        const auto section = [&](int kind, int first) __attribute__((target("avx2"))) {
+            return _mm256_and_si256(_mm256_cmpeq_epi32(blue, _mm256_set1_epi32(kind)),
+                                    _mm256_set1_epi32(first));
+        };
+        const __m256i sections =
+            _mm256_or_si256(_mm256_or_si256(section(191, 256), section(223, 384)), section(255, 128));
+        return _mm256_min_epi32(_mm256_add_epi32(sections, _mm256_and_si256(pixels, byte)),
+                                _mm256_set1_epi32(static_cast<int>(transparentEntry)));
+    }
+
+    [[gnu::target("avx2"), gnu::always_inline]] static inline void lookUpWord(const Recoloring::Table& table,
+                                                                              long long pair,
+                                                                              std::uint8_t* out) {
+        const auto entries = static_cast<std::uint64_t>(pair);
+        lookUpPair(table, entries & 0xFFFFFFFFU, entries >> 32U, out);
+    }
+
+    [[gnu::target("avx2"), gnu::always_inline]] static inline void lookUpBlock(const Recoloring::Table& table,
+                                                                               const std::uint8_t* block,
+                                                                               std::uint8_t* out) {
+        const auto* source = reinterpret_cast<const __m256i*>(block);
+        for (int half = 0; half < 2; ++half, out += blockSize / 2 * pixelSize) {
+            const __m256i entries = entriesOf(_mm256_loadu_si256(source + half));
+            const __m128i low = _mm256_castsi256_si128(entries);
+            const __m128i high = _mm256_extracti128_si256(entries, 1);
+            lookUpWord(table, _mm_cvtsi128_si64(low), out);
+            lookUpWord(table, _mm_extract_epi64(low, 1), out + 8);
+            lookUpWord(table, _mm_cvtsi128_si64(high), out + 16);
+            lookUpWord(table, _mm_extract_epi64(high, 1), out + 24);
+        }
+    }
+};
+
+struct IndicesAVX2 : Indices {
+    [[gnu::target("avx2"), gnu::always_inline]] static inline bool isOfOneColor(const std::uint8_t* block) {
+        const __m128i indices = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+        const __m128i difference = _mm_xor_si128(indices, _mm_broadcastb_epi8(indices));
+        return _mm_testz_si128(difference, difference) != 0;
+    }
+
+    [[gnu::target("avx2"), gnu::always_inline]] static inline void lookUpBlock(const Recoloring::Table& table,
+                                                                               const std::uint8_t* block,
+                                                                               std::uint8_t* out) {
+        std::array<std::uint64_t, 2> words;
+        std::memcpy(words.data(), block, sizeof words);
+        for (std::uint64_t word : words) {
+            for (int pair = 0; pair < 4; ++pair, word >>= 16U, out += 2 * pixelSize) {
+                lookUpPair(table, word & 0xFFU, word >> 8U & 0xFFU, out);
+            }
+        }
+    }
+};
+
+template <class Source>
+[[gnu::target("avx2")]] void colorAVX2(const Recoloring::Table& table, const std::uint8_t* pixels,
+                                       std::uint8_t* out, std::size_t count) {
+    std::size_t i = 0;
+    for (; i + blockSize <= count; i += blockSize) {
+        const std::uint8_t* source = pixels + i * sizeof(typename Source::Unit);
+        if (Source::isOfOneColor(source)) {
+            auto* target = reinterpret_cast<__m256i*>(out + i * pixelSize);
+            const __m256i color = _mm256_set1_epi32(static_cast<int>(table[Source::entryAt(source)]));
             _mm256_storeu_si256(target, color);
             _mm256_storeu_si256(target + 1, color);
         } else {
-            lookUpEight(table, entriesOf(left), out + i * pixelSize);
-            lookUpEight(table, entriesOf(right), out + (i + blockSize / 2) * pixelSize);
+            Source::lookUpBlock(table, source, out + i * pixelSize);
         }
     }
-    recolorOneByOne(table, pixels + i * pixelSize, out + i * pixelSize, count - i);
+    colorOneByOne<Source>(table, pixels + i * sizeof(typename Source::Unit), out + i * pixelSize, count - i);
 }
 #endif
+
+const Recoloring::Variant& fastest() {
+    return *std::ranges::find(Recoloring::variants(), true, &Recoloring::Variant::isSupported);
+}
 
 }  // namespace
 
 std::span<const Recoloring::Variant> Recoloring::variants() {
     static const std::array all{
 #if defined(__x86_64__)
-        Variant{"avx2", &recolorAVX2, __builtin_cpu_supports("avx2") != 0},
+        Variant{"avx2", &colorAVX2<RGBAPixelsAVX2>, &colorAVX2<IndicesAVX2>,
+                __builtin_cpu_supports("avx2") != 0},
 #endif
-        Variant{"portable", &recolorPortably, true},
+        Variant{"portable", &colorPortably<RGBAPixels>, &colorPortably<Indices>, true},
     };
     return all;
 }
@@ -148,8 +206,11 @@ Recoloring::Recoloring(std::span<const std::uint8_t> colors) {
 }
 
 void Recoloring::apply(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) const {
-    const auto fastest = std::ranges::find(variants(), true, &Variant::isSupported);
-    fastest->function(table_, pixels.data(), out.data(), pixels.size() / pixelSize);
+    fastest().recolor(table_, pixels.data(), out.data(), pixels.size() / pixelSize);
+}
+
+void Recoloring::applyToIndices(std::span<const std::uint8_t> indices, std::span<std::uint8_t> out) const {
+    fastest().colorIndices(table_, indices.data(), out.data(), indices.size());
 }
 
 }  // namespace nimbuscope

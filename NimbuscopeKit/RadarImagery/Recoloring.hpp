@@ -8,7 +8,8 @@
 
 namespace nimbuscope {
 
-/// The inner loop of `ColorScheme::applyColors`: replaces the pixels of a tile by entries of a colour table.
+/// The inner loops of `ColorScheme::applyColors` and `Png::bytes`: replace the pixels of a tile by entries of
+/// a colour table.
 class Recoloring {
   public:
     static constexpr std::size_t reachableEntries = 512;  ///< that a pixel can ask for
@@ -16,15 +17,16 @@ class Recoloring {
     /// The table, and behind it a transparent entry for pixels that have none.
     using Table = std::array<std::uint32_t, reachableEntries + 1>;
 
-    /// Colours `count` RGBA pixels.
+    /// Colours `count` pixels.
     using Function = void (*)(const Table& table, const std::uint8_t* pixels, std::uint8_t* out,
                               std::size_t count);
 
     /// One way to do it; all give the same result.
     struct Variant {
         std::string_view name;
-        Function function;
-        bool isSupported;  ///< by the processor
+        Function recolor;       ///< RGBA pixels
+        Function colorIndices;  ///< pixels of one byte, the entry
+        bool isSupported;       ///< by the processor
     };
 
     /// The variants of this build, the fastest first. The last one works on every processor.
@@ -38,6 +40,10 @@ class Recoloring {
 
     /// Colours `pixels` into `out`, which has the same size, a multiple of four. Allocates nothing.
     void apply(std::span<const std::uint8_t> pixels, std::span<std::uint8_t> out) const;
+
+    /// Colours `indices` into `out`, which has four times the size: each becomes the entry that it names.
+    /// Allocates nothing.
+    void applyToIndices(std::span<const std::uint8_t> indices, std::span<std::uint8_t> out) const;
 
   private:
     Table table_{};

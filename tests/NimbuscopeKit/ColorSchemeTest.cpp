@@ -79,7 +79,7 @@ TEST(ColorScheme, everyVariantColoursAsTheRulesSay) {
         for (const Recoloring::Variant& variant : Recoloring::variants()) {
             Bytes out(pixels.size(), 0xEE);
             if (variant.isSupported) {
-                variant.function(table, pixels.data(), out.data(), count);
+                variant.recolor(table, pixels.data(), out.data(), count);
                 EXPECT_EQ(out, expected) << variant.name << ' ' << count;
             }
         }
