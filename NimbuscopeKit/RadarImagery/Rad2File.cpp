@@ -14,6 +14,7 @@ using platform::Data;
 using platform::Result;
 
 constexpr std::uint64_t blockHeaderSize = 1 + 4 + Rad2File::blockTrailerSize;
+constexpr const char* blockTooLong = "a data block passes the end of the file";
 
 std::unexpected<Rad2Error> error(std::uint64_t offset, std::string reason) {
     return std::unexpected(Rad2Error{.offset = offset, .reason = std::move(reason)});
@@ -108,7 +109,11 @@ Result<void, Rad2Error> Rad2File::readHeader() {
                 return geometry;
             }
         }
-        entry += 1 + width + std::uint64_t{*length};
+        const std::uint64_t end = entry + 1 + width + *length;
+        if (end > file.size()) {
+            return error(entry, "a header entry passes the end of the file");
+        }
+        entry = end;
         if ((*tag & isLast) != 0) {
             header_.dataHeaderPos = static_cast<std::int64_t>(entry);
             return {};
@@ -153,6 +158,9 @@ Result<std::optional<Rad2DataBlock>, Rad2Error> Rad2File::find(DataBlockType typ
         if (block->isLast()) {
             return std::nullopt;
         }
+        if (block->end() > file.size()) {
+            return error(offset, blockTooLong);
+        }
         offset = block->end();
     }
 }
@@ -166,7 +174,7 @@ Result<std::vector<Rad2Block>, Rad2Error> Rad2File::blocks() const {
             return std::unexpected(block.error());
         }
         if (block->end() > file.size()) {
-            return error(offset, "a data block passes the end of the file");
+            return error(offset, blockTooLong);
         }
         all.push_back({.type = block->type(), .payload = block->payload});
         if (block->isLast()) {
@@ -187,14 +195,18 @@ Result<std::optional<std::span<const std::uint8_t>>, Rad2Error> Rad2File::payloa
     const auto pos = static_cast<std::uint64_t>((*block)->pos);
     const auto bytes = ByteReader(file_).slice(pos, static_cast<std::uint64_t>((*block)->size));
     if (!bytes) {
-        return error(pos - blockHeaderSize, "a data block passes the end of the file");
+        return error(pos - blockHeaderSize, blockTooLong);
     }
     return bytes;
 }
 
-Result<void, Rad2Error> Rad2File::checkPixels(std::uint64_t maximalPixels) const {
+Result<void, Rad2Error> Rad2File::checkImage(std::uint64_t maximalPixels) const {
     if (!rad2Block_) {
         return error(static_cast<std::uint64_t>(header_.dataHeaderPos), "there is no rad2 block");
+    }
+    const auto pos = static_cast<std::uint64_t>(rad2Block_->pos);
+    if (pos > file_.size()) {  // the skipped bytes in front of an empty payload are cut
+        return error(pos - blockHeaderSize, blockTooLong);
     }
     if (pixelCount() > maximalPixels) {
         return error(staticHeaderSize, "the image has " + std::to_string(pixelCount()) +
@@ -206,7 +218,7 @@ Result<void, Rad2Error> Rad2File::checkPixels(std::uint64_t maximalPixels) const
 
 Result<void, Rad2Error> Rad2File::decode(std::span<const std::uint8_t> colors, bool inversed,
                                          std::span<std::uint8_t> out) const {
-    if (auto checked = checkPixels(pixelCount()); !checked) {
+    if (auto checked = checkImage(pixelCount()); !checked) {
         return checked;
     }
     if (colors.size() < tableSize) {
@@ -225,7 +237,7 @@ Result<void, Rad2Error> Rad2File::decode(std::span<const std::uint8_t> colors, b
 
 Result<Data, Rad2Error> Rad2File::decode(std::span<const std::uint8_t> colors, bool inversed,
                                          std::uint64_t maximalPixels) const {
-    if (const auto checked = checkPixels(maximalPixels); !checked) {
+    if (const auto checked = checkImage(maximalPixels); !checked) {
         return std::unexpected(checked.error());
     }
     Data out(pixelCount() * pixelSize);
@@ -236,7 +248,7 @@ Result<Data, Rad2Error> Rad2File::decode(std::span<const std::uint8_t> colors, b
 }
 
 Result<Data, Rad2Error> Rad2File::decodeIndices(std::uint64_t maximalPixels) const {
-    if (const auto checked = checkPixels(maximalPixels); !checked) {
+    if (const auto checked = checkImage(maximalPixels); !checked) {
         return std::unexpected(checked.error());
     }
     Data out(pixelCount());

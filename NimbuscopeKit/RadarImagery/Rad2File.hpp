@@ -118,7 +118,7 @@ class Rad2File {
     [[nodiscard]] platform::Result<void, Rad2Error> readHeader();
     [[nodiscard]] platform::Result<void, Rad2Error> readGeometry(std::uint64_t entry);
     [[nodiscard]] platform::Result<std::optional<Rad2DataBlock>, Rad2Error> find(DataBlockType type) const;
-    [[nodiscard]] platform::Result<void, Rad2Error> checkPixels(std::uint64_t maximalPixels) const;
+    [[nodiscard]] platform::Result<void, Rad2Error> checkImage(std::uint64_t maximalPixels) const;
 
     std::span<const std::uint8_t> file_;
     Header header_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 #include <optional>
 
@@ -54,22 +55,182 @@ Rad2Runs::Outcome decodeChecked(const Rad2Runs::Source& source, Pixel* out, std:
     return {};
 }
 
-using RGBA = std::array<std::uint8_t, 4>;
+constexpr std::size_t pixelSize = 4;
 
-Rad2Runs::Outcome colorChecked(const Rad2Runs::Source& source, const std::uint8_t* colors, std::uint8_t* out,
-                               std::size_t count) {
+using RGBA = std::array<std::uint8_t, pixelSize>;
+
+Rad2Runs::Outcome colorRunByRun(const Rad2Runs::Source& source, const std::uint8_t* colors, std::uint8_t* out,
+                                std::size_t count) {
     return decodeChecked(source, reinterpret_cast<RGBA*>(out), count, [&](std::uint8_t index) {
         RGBA pixel;
-        std::memcpy(pixel.data(), colors + index * pixel.size(), pixel.size());
+        std::memcpy(pixel.data(), colors + index * pixelSize, pixelSize);
         return pixel;
     });
 }
+
+// The fast way takes short runs in groups, with one look at the ends per group, and writes sixteen pixels for
+// each, whatever its length: what was too much is overwritten by the next run. Only the last runs and pixels
+// are decoded run by run. The helpers are inlined into one function per kind of processor.
+
+constexpr std::size_t groupRuns = 8;
+constexpr std::size_t groupSize = groupRuns * 2;  // in bytes
+constexpr std::size_t longestShortRun = 254;
+constexpr std::size_t storedPixels = 16;
+constexpr std::size_t storedSize = storedPixels * pixelSize;
+constexpr std::size_t longestRunSize = 6;  // in bytes
+
+/// Where a decoding stands: the next run and the next pixel, and how far they may go.
+struct Cursor {
+    const std::uint8_t* run;
+    const std::uint8_t* runsEnd;
+    std::uint8_t* out;
+    std::uint8_t* outEnd;
+
+    [[nodiscard]] std::size_t bytesLeft() const { return static_cast<std::size_t>(runsEnd - run); }
+    [[nodiscard]] std::size_t roomLeft() const { return static_cast<std::size_t>(outEnd - out); }
+};
+
+/// As many bytes as a register of the processor holds. Wider ones than it has are many times slower.
+template <std::size_t size>
+struct Register {
+    using Pixels [[gnu::vector_size(size), gnu::aligned(1), gnu::may_alias]] = std::uint32_t;
+};
+
+[[gnu::always_inline]] inline std::uint32_t colorAt(const std::uint8_t* colors, std::uint8_t index) {
+    std::uint32_t color = 0;
+    std::memcpy(&color, colors + index * pixelSize, pixelSize);
+    return color;
+}
+
+/// Writes sixteen pixels.
+template <std::size_t registerSize>
+[[gnu::always_inline]] inline void storePixels(std::uint8_t* out, std::uint32_t color) {
+    using Pixels = typename Register<registerSize>::Pixels;
+    const Pixels pixels = color - Pixels{};
+    for (std::size_t i = 0; i < storedSize; i += registerSize) {
+        *reinterpret_cast<Pixels*>(out + i) = pixels;
+    }
+}
+
+/// Writes a run, and up to sixteen pixels too many.
+template <std::size_t registerSize>
+[[gnu::always_inline]] inline void storeRun(std::uint8_t* out, std::uint32_t color, std::size_t length) {
+    storePixels<registerSize>(out, color);
+    if (length > storedPixels) [[unlikely]] {
+        for (std::size_t done = storedPixels; done < length; done += storedPixels) {
+            storePixels<registerSize>(out + done * pixelSize, color);
+        }
+    }
+}
+
+/// Whether the eight runs at `run` have length 1 each, as in noise.
+[[gnu::always_inline]] inline bool areSinglePixels(const std::uint8_t* run) {
+    constexpr std::array<std::uint8_t, 8> ones{0, 1, 0, 1, 0, 1, 0, 1};
+    constexpr std::array<std::uint8_t, 8> counts{0, 255, 0, 255, 0, 255, 0, 255};
+    std::array<std::uint64_t, 2> runs;
+    std::memcpy(runs.data(), run, sizeof runs);
+    const auto expected = std::bit_cast<std::uint64_t>(ones);
+    return (((runs[0] ^ expected) | (runs[1] ^ expected)) & std::bit_cast<std::uint64_t>(counts)) == 0;
+}
+
+/// Decodes up to eight runs. False when the next run must be taken alone, because it is not short or because
+/// the end is near.
+template <std::size_t registerSize>
+[[gnu::always_inline]] inline bool colorGroup(Cursor& cursor, const std::uint8_t* colors) {
+    if (areSinglePixels(cursor.run) && cursor.roomLeft() >= groupRuns * pixelSize) {
+        for (std::size_t i = 0; i < groupRuns; ++i) {
+            const std::uint32_t color = colorAt(colors, cursor.run[i * 2]);
+            std::memcpy(cursor.out + i * pixelSize, &color, pixelSize);
+        }
+        cursor.run += groupSize;
+        cursor.out += groupRuns * pixelSize;
+        return true;
+    }
+    if (cursor.roomLeft() < groupRuns * longestShortRun * pixelSize + storedSize) {
+        return false;
+    }
+#pragma GCC unroll 8
+    for (std::size_t i = 0; i < groupRuns; ++i) {
+        const std::uint8_t length = cursor.run[1];
+        if (length == 0 || length > longestShortRun) {
+            return false;
+        }
+        storeRun<registerSize>(cursor.out, colorAt(colors, cursor.run[0]), length);
+        cursor.run += 2;
+        cursor.out += length * pixelSize;
+    }
+    return true;
+}
+
+/// Decodes a run of any form. False when the end is too near for that, or the run is at fault.
+template <std::size_t registerSize>
+[[gnu::always_inline]] inline bool colorRun(Cursor& cursor, const std::uint8_t* colors) {
+    if (cursor.bytesLeft() < longestRunSize) {
+        return false;
+    }
+    const std::uint8_t* run = cursor.run;
+    const std::uint8_t count = run[1];
+    std::size_t length = count;
+    std::size_t size = 2;
+    if (count == 0 || count > longestShortRun) {
+        length = std::size_t{run[2]} << 8U | run[3];
+        size = 4;
+        if (count != 0) {
+            length = length << 16U | std::size_t{run[4]} << 8U | run[5];
+            size = 6;
+        }
+    }
+    if (length + storedPixels > cursor.roomLeft() / pixelSize) {
+        return false;
+    }
+    storeRun<registerSize>(cursor.out, colorAt(colors, run[0]), length);
+    cursor.run += size;
+    cursor.out += length * pixelSize;
+    return true;
+}
+
+template <std::size_t registerSize>
+[[gnu::always_inline]] inline Rad2Runs::Outcome colorInGroups(const Rad2Runs::Source& source,
+                                                              const std::uint8_t* colors, std::uint8_t* out,
+                                                              std::size_t count) {
+    const std::uint8_t* file = source.file.data();
+    const std::uint64_t end = std::min<std::uint64_t>(source.end, source.file.size());
+    Cursor cursor{.run = file + std::min(source.begin, end),
+                  .runsEnd = file + end,
+                  .out = out,
+                  .outEnd = out + count * pixelSize};
+    while (cursor.bytesLeft() >= groupSize) {
+        if (!colorGroup<registerSize>(cursor, colors) && !colorRun<registerSize>(cursor, colors)) {
+            break;
+        }
+    }
+    const auto done = static_cast<std::uint64_t>(cursor.run - file);
+    return colorRunByRun({.file = source.file, .begin = std::max(source.begin, done), .end = source.end},
+                         colors, cursor.out, cursor.roomLeft() / pixelSize);
+}
+
+Rad2Runs::Outcome colorPortably(const Rad2Runs::Source& source, const std::uint8_t* colors, std::uint8_t* out,
+                                std::size_t count) {
+    return colorInGroups<16>(source, colors, out, count);
+}
+
+#if defined(__x86_64__)
+[[gnu::target("avx2")]] Rad2Runs::Outcome colorAVX2(const Rad2Runs::Source& source,
+                                                    const std::uint8_t* colors, std::uint8_t* out,
+                                                    std::size_t count) {
+    return colorInGroups<32>(source, colors, out, count);
+}
+#endif
 
 }  // namespace
 
 std::span<const Rad2Runs::Variant> Rad2Runs::variants() {
     static const std::array all{
-        Variant{"portable", &colorChecked, true},
+#if defined(__x86_64__)
+        Variant{"avx2", &colorAVX2, __builtin_cpu_supports("avx2") != 0},
+#endif
+        Variant{"portable", &colorPortably, true},
+        Variant{"run by run", &colorRunByRun, true},
     };
     return all;
 }
