@@ -61,12 +61,15 @@ class CommandLine {
 /// The noun that commands work with, each in a file of its own.
 void addDefaults(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
+void addMap(CommandLine& commandLine);
 void addPalette(CommandLine& commandLine);
 void addPlaces(CommandLine& commandLine);
 void addPreferences(CommandLine& commandLine);
+void addTile(CommandLine& commandLine);
 
-/// Verbs of `palette` that have files of their own.
+/// Verbs of `palette` and `tile` that have files of their own.
 void addPaletteLegend(CommandLine& commandLine, CLI::App& parent);
 void addPaletteText(CommandLine& commandLine, CLI::App& parent);
+void addTileRender(CommandLine& commandLine, CLI::App& parent);
 
 }  // namespace nimbuscope::tool

@@ -10,5 +10,7 @@ int main(int argumentCount, char** arguments) {
     tool::addPreferences(commandLine);
     tool::addIntents(commandLine);
     tool::addPalette(commandLine);
+    tool::addTile(commandLine);
+    tool::addMap(commandLine);
     return commandLine.run(argumentCount, arguments);
 }

@@ -7,7 +7,7 @@
 #include "CommandLine.hpp"
 #include "Files.hpp"
 #include "NimbuscopeKit/RadarImagery/RadarColorScheme.hpp"
-#include "Platform/Coding/JSONWriter.hpp"
+#include "Results.hpp"
 #include "SchemeTitles.hpp"
 #include "colorschemes/colorschemes.h"
 #include "colorschemes/text/ColorTable.hpp"
@@ -30,20 +30,6 @@ CommandResult<std::uint32_t> narrow(const char* name, std::int64_t number) {
         return refused(fmt::format("{}: expected 0 to 4294967295, found {}", name, number));
     }
     return static_cast<std::uint32_t>(number);
-}
-
-CommandResult<void> writePNG(const std::string& file, const platform::RGBAImage& image, std::string& output) {
-    const auto png = platform::encodePNG(image.width, image.height, image.pixels);
-    return png ? writeResult(file, platform::textOf(*png), output) : refused(png.error().reason);
-}
-
-CommandResult<void> printJSON(platform::JSONWriter& writer, std::string& output) {
-    const auto text = writer.finish();
-    if (!text) {
-        return refused(text.error().message());
-    }
-    output += *text + '\n';
-    return {};
 }
 
 void addScheme(CLI::App& verb, std::int64_t& scheme) {
@@ -106,7 +92,7 @@ CommandResult<void> list(bool isJSON, std::string& output) {
         writer.endObject();
     }
     writer.endArray();
-    return printJSON(writer, output);
+    return printJSON(noun, writer, output);
 }
 
 void addList(CommandLine& commandLine, CLI::App& parent) {
@@ -256,7 +242,7 @@ CommandResult<void> render(const RenderOptions& options, std::string& output) {
     subtitle += options.isWithoutSnow ? ", every kind in rain colours" : "";
     subtitle += options.minimalDbz > noMinimalDbz ? fmt::format(", from {} dBZ", options.minimalDbz) : "";
     const auto chart = drawing::schemeChart(*scheme, titleOfScheme(options.scheme), subtitle);
-    return writePNG(options.file, drawing::drawChart(chart), output);
+    return writePNG(noun, drawing::drawChart(chart), options.file, output);
 }
 
 void addRender(CommandLine& commandLine, CLI::App& parent) {

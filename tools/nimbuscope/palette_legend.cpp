@@ -3,15 +3,15 @@
 #include <map>
 
 #include "CommandLine.hpp"
-#include "Files.hpp"
 #include "NimbuscopeKit/RadarImagery/RadarColorScheme.hpp"
-#include "Platform/Coding/JSONWriter.hpp"
+#include "Results.hpp"
 #include "tools/drawing/PaletteChart.hpp"
 
 namespace nimbuscope::tool {
 namespace {
 
 constexpr std::int64_t noMinimalDbz = -32;
+constexpr const char* verbName = "palette legend";
 
 const std::map<std::string, ColorSchemeType> types{
     {"Rain", ColorSchemeType::Rain},
@@ -40,7 +40,7 @@ struct Options {
 };
 
 std::unexpected<CommandError> refused(std::string why) {
-    return std::unexpected(CommandError{"palette legend", std::move(why)});
+    return std::unexpected(CommandError{verbName, std::move(why)});
 }
 
 void writeNumbers(platform::JSONWriter& writer, std::span<const double> numbers) {
@@ -83,18 +83,10 @@ CommandResult<void> legend(const Options& options, std::string& output) {
     if (options.isJSON) {
         platform::JSONWriter writer;
         writeLayer(writer, *layer);
-        const auto text = writer.finish();
-        if (!text) {
-            return refused(text.error().message());
-        }
-        output = *text + '\n';
-    }
-    if (options.file.empty()) {
-        return {};
+        return printJSON(verbName, writer, output);
     }
     const auto image = drawing::drawLegend(*layer, direction, titles.at(type), drawing::legendAxis(type));
-    const auto png = platform::encodePNG(image.width, image.height, image.pixels);
-    return png ? writeResult(options.file, platform::textOf(*png), output) : refused(png.error().reason);
+    return writePNG(verbName, image, options.file, output);
 }
 
 }  // namespace

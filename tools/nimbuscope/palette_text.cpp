@@ -6,6 +6,7 @@
 
 #include "CommandLine.hpp"
 #include "Files.hpp"
+#include "Results.hpp"
 #include "SchemeTitles.hpp"
 #include "colorschemes/colorschemes.h"
 #include "colorschemes/text/ColorTable.hpp"
@@ -65,10 +66,7 @@ CommandResult<void> import(const ImportOptions& options, std::string& output) {
     if (options.picture.empty()) {
         return {};
     }
-    const platform::RGBAImage image = drawing::drawChart(chart);
-    const auto png = platform::encodePNG(image.width, image.height, image.pixels);
-    return png ? writeResult(options.picture, platform::textOf(*png), output)
-               : std::unexpected(CommandError{options.input, png.error().reason});
+    return writePNG(options.input, drawing::drawChart(chart), options.picture, output);
 }
 
 void addImport(CommandLine& commandLine, CLI::App& parent) {
