@@ -137,6 +137,23 @@ TEST_F(TileCommand, rgbaTilesCarryTheirKindOfPrecipitation) {
     EXPECT_EQ(output("tile render tile.png -o - --raw --inversed"), upsideDown(pixels, 8));
 }
 
+TEST_F(TileCommand, sheetsShowEveryTileInEveryScheme) {
+    write("a.png", writeIndices(9, 9, Data(81, 70)));
+    write("b.png", writeIndices(9, 9, Data(81, 90)));
+    EXPECT_EQ(output("tile sheet a.png b.png --scheme 2 13 100 -o sheet.png"), "");
+    const auto sheet = platform::decodePNG(platform::dataOf(read("sheet.png")), 4'000'000);
+    ASSERT_TRUE(sheet);
+    for (const std::int64_t scheme : {2, 13}) {
+        for (const std::uint8_t index : {std::uint8_t{70}, std::uint8_t{90}}) {
+            const std::string row = colored(Data(9, index), scheme);
+            EXPECT_NE(platform::textOf(sheet->pixels).find(row), std::string_view::npos) << scheme;
+        }
+    }
+    write("bad.png", "");
+    EXPECT_EQ(call("tile sheet a.png bad.png -o out").exitCode, 1);
+    EXPECT_FALSE(exists("out"));
+}
+
 TEST_F(TileCommand, overlaysReplacePixelsAndMustFit) {
     write("tile.png", writeIndices(2, 1, {60, 70}));
     const auto overlay = [&](std::uint32_t width, std::uint32_t height, const Data& pixels) {

@@ -50,6 +50,15 @@ void Canvas::frame(int x, int y, int width, int height, const RGBA& color) {
     fill(x + width, y, 1, height, color);
 }
 
+void Canvas::draw(int x, int y, const platform::RGBAImage& image) {
+    const std::uint8_t* pixel = image.pixels.data();
+    for (int row = 0; row < static_cast<int>(image.height); ++row) {
+        for (int column = 0; column < static_cast<int>(image.width); ++column, pixel += 4) {
+            blend(x + column, y + row, {pixel[0], pixel[1], pixel[2], pixel[3]});
+        }
+    }
+}
+
 void Canvas::text(int x, int y, int scale, std::string_view line, const RGBA& color) {
     for (const char character : line) {
         const Glyph& glyph = glyphOf(character);

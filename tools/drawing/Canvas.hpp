@@ -25,6 +25,9 @@ class Canvas {
     /// A frame of one pixel around a rectangle, outside of it.
     void frame(int x, int y, int width, int height, const RGBA& color);
 
+    /// Lays a picture over what is there, pixel by pixel as `fill` does.
+    void draw(int x, int y, const platform::RGBAImage& image);
+
     /// A line of text whose capitals reach from y down to its baseline, 7 × `scale` pixels below.
     void text(int x, int y, int scale, std::string_view line, const RGBA& color);
 

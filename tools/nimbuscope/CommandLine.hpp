@@ -71,5 +71,6 @@ void addTile(CommandLine& commandLine);
 void addPaletteLegend(CommandLine& commandLine, CLI::App& parent);
 void addPaletteText(CommandLine& commandLine, CLI::App& parent);
 void addTileRender(CommandLine& commandLine, CLI::App& parent);
+void addTileSheet(CommandLine& commandLine, CLI::App& parent);
 
 }  // namespace nimbuscope::tool

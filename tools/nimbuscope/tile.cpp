@@ -254,6 +254,7 @@ void addTile(CommandLine& commandLine) {
     auto& parent = commandLine.addNoun("tile", "Reads, draws and makes radar tiles");
     addInfo(commandLine, parent);
     addTileRender(commandLine, parent);
+    addTileSheet(commandLine, parent);
     addEncode(commandLine, parent);
     addArrows(commandLine, parent);
 }
