@@ -68,13 +68,13 @@ Rad2Runs::Outcome colorRunByRun(const Rad2Runs::Source& source, const std::uint8
     });
 }
 
-// The fast way takes short runs in groups, with one look at the ends per group, and writes sixteen pixels for
-// each, whatever its length: what was too much is overwritten by the next run. Only the last runs and pixels
-// are decoded run by run. The helpers are inlined into one function per kind of processor.
+// The fast way takes runs of up to sixteen pixels in groups, with one look at the ends per group, and writes
+// sixteen pixels for each, whatever its length: what was too much is overwritten by the next run. Only the
+// last runs and pixels are decoded run by run. The helpers are inlined into one function per kind of
+// processor.
 
 constexpr std::size_t groupRuns = 8;
 constexpr std::size_t groupSize = groupRuns * 2;  // in bytes
-constexpr std::size_t longestShortRun = 254;
 constexpr std::size_t storedPixels = 16;
 constexpr std::size_t storedSize = storedPixels * pixelSize;
 constexpr std::size_t longestRunSize = 6;  // in bytes
@@ -102,24 +102,13 @@ struct Register {
     return color;
 }
 
-/// Writes sixteen pixels.
+/// Writes sixteen pixels, for a run that is as long or shorter.
 template <std::size_t registerSize>
 [[gnu::always_inline]] inline void storePixels(std::uint8_t* out, std::uint32_t color) {
     using Pixels = typename Register<registerSize>::Pixels;
     const Pixels pixels = color - Pixels{};
     for (std::size_t i = 0; i < storedSize; i += registerSize) {
         *reinterpret_cast<Pixels*>(out + i) = pixels;
-    }
-}
-
-/// Writes a run, and up to sixteen pixels too many.
-template <std::size_t registerSize>
-[[gnu::always_inline]] inline void storeRun(std::uint8_t* out, std::uint32_t color, std::size_t length) {
-    storePixels<registerSize>(out, color);
-    if (length > storedPixels) [[unlikely]] {
-        for (std::size_t done = storedPixels; done < length; done += storedPixels) {
-            storePixels<registerSize>(out + done * pixelSize, color);
-        }
     }
 }
 
@@ -133,11 +122,14 @@ template <std::size_t registerSize>
     return (((runs[0] ^ expected) | (runs[1] ^ expected)) & std::bit_cast<std::uint64_t>(counts)) == 0;
 }
 
-/// Decodes up to eight runs. False when the next run must be taken alone, because it is not short or because
-/// the end is near.
+/// Decodes up to eight runs. False when the next one must be taken alone, because it is longer than sixteen
+/// pixels or empty or because the end is near.
 template <std::size_t registerSize>
 [[gnu::always_inline]] inline bool colorGroup(Cursor& cursor, const std::uint8_t* colors) {
-    if (areSinglePixels(cursor.run) && cursor.roomLeft() >= groupRuns * pixelSize) {
+    if (cursor.roomLeft() < groupRuns * storedSize) {
+        return false;
+    }
+    if (areSinglePixels(cursor.run)) {
         for (std::size_t i = 0; i < groupRuns; ++i) {
             const std::uint32_t color = colorAt(colors, cursor.run[i * 2]);
             std::memcpy(cursor.out + i * pixelSize, &color, pixelSize);
@@ -146,16 +138,13 @@ template <std::size_t registerSize>
         cursor.out += groupRuns * pixelSize;
         return true;
     }
-    if (cursor.roomLeft() < groupRuns * longestShortRun * pixelSize + storedSize) {
-        return false;
-    }
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < groupRuns; ++i) {
         const std::uint8_t length = cursor.run[1];
-        if (length == 0 || length > longestShortRun) {
+        if (length == 0 || length > storedPixels) [[unlikely]] {
             return false;
         }
-        storeRun<registerSize>(cursor.out, colorAt(colors, cursor.run[0]), length);
+        storePixels<registerSize>(cursor.out, colorAt(colors, cursor.run[0]));
         cursor.run += 2;
         cursor.out += length * pixelSize;
     }
@@ -168,22 +157,22 @@ template <std::size_t registerSize>
     if (cursor.bytesLeft() < longestRunSize) {
         return false;
     }
+    // Which of the first two forms it is cannot be foretold: arithmetic is faster than a branch.
     const std::uint8_t* run = cursor.run;
-    const std::uint8_t count = run[1];
-    std::size_t length = count;
-    std::size_t size = 2;
-    if (count == 0 || count > longestShortRun) {
-        length = std::size_t{run[2]} << 8U | run[3];
-        size = 4;
-        if (count != 0) {
-            length = length << 16U | std::size_t{run[4]} << 8U | run[5];
-            size = 6;
-        }
+    const std::size_t isWide = run[1] == 0 ? 1 : 0;
+    std::size_t length = run[1] + isWide * (std::size_t{run[2]} << 8U | run[3]);
+    std::size_t size = 2 + 2 * isWide;
+    if (run[1] == 255) [[unlikely]] {
+        length = std::size_t{run[2]} << 24U | std::size_t{run[3]} << 16U | std::size_t{run[4]} << 8U | run[5];
+        size = longestRunSize;
     }
     if (length + storedPixels > cursor.roomLeft() / pixelSize) {
         return false;
     }
-    storeRun<registerSize>(cursor.out, colorAt(colors, run[0]), length);
+    const std::uint32_t color = colorAt(colors, run[0]);
+    for (std::size_t done = 0; done < length; done += storedPixels) {
+        storePixels<registerSize>(cursor.out + done * pixelSize, color);
+    }
     cursor.run += size;
     cursor.out += length * pixelSize;
     return true;

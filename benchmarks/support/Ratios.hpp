@@ -64,7 +64,7 @@ inline bool compare(const std::string& title, const std::vector<Contender>& cont
         std::ranges::transform(times[0], times[peer], ratios.begin(), std::divides<>());
         const double ratio = median(ratios);
         isKept = isKept && ratio <= limit;
-        std::printf("| %s | %s | %.3g ns | %.2f × %s | ≤ %.3g | %s |\n", title.c_str(),
+        std::printf("| %s | %s | %.3g ns | %.3g × %s | ≤ %.3g | %s |\n", title.c_str(),
                     contenders[0].name.c_str(), median(times[0]) * 1e9, ratio, contenders[peer].name.c_str(),
                     limit, ratio <= limit ? "kept" : "MISSED");
     }

@@ -12,7 +12,7 @@ enum class Storm {
     sparse,     ///< small cells in steps of 4 dBZ; 95 % of the pixels have no echo
     busy,       ///< bands of rain; runs of equal pixels are 6 pixels long in the mean
     worst,      ///< bands of rain under so much noise that no pixel equals its neighbour
-    realistic,  ///< cells, bands and speckle in steps of 1 dBZ, snow in the north
+    realistic,  ///< cells of all sizes and speckle, snow in the north
 };
 
 struct Raster {
