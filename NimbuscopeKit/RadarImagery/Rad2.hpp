@@ -17,9 +17,11 @@ class Rad2 {
   public:
     static constexpr std::int64_t imageBpp = 4;  ///< bytes of a decoded pixel
     static constexpr std::array<std::uint8_t, 4> fileBegin{'R', 'A', 'D', '2'};
+    // NOLINTBEGIN(readability-identifier-naming): the format's own names
     static constexpr std::int64_t RAD2_STATIC_HEADER_BYTES = Rad2File::staticHeaderSize;
     static constexpr std::int64_t DATA_BLOCK_CRC32_SIZE = Rad2File::blockTrailerSize;
     static constexpr std::uint8_t RAD2_BLOCK_LAST = Rad2File::lastBlock;
+    // NOLINTEND(readability-identifier-naming)
 
     /// Reads the header and finds the `rad2` block. A file that does not begin with "RAD2" or has no such
     /// block is not `valid()`. Stops the process when a header entry or the header of a block passes the end.
