@@ -7,6 +7,7 @@
 #include "NimbuscopeKit/RadarImagery/Rad2Writer.hpp"
 #include "Target.hpp"
 #include "colorschemes/text/ColorTable.hpp"
+#include "tests/support/LibPNG.hpp"
 
 using namespace nimbuscope;
 
@@ -49,6 +50,36 @@ void saveRad2Files(const std::filesystem::path& directory) {
     saveRad2(directory / "explicit", {.width = 256, .height = 256, .indices = clear, .isSizeExplicit = true});
 }
 
+void savePNGs(const std::filesystem::path& directory) {
+    struct Kind {
+        const char* name;
+        int colorType;
+        int depth;
+    };
+    for (const Kind& kind : {Kind{"grey-1", 0, 1},
+                             {"grey-8", 0, 8},
+                             {"grey-16", 0, 16},
+                             {"rgb-8", 2, 8},
+                             {"indexed-4", 3, 4},
+                             {"indexed-8", 3, 8},
+                             {"grey-alpha-8", 4, 8},
+                             {"rgba-8", 6, 8},
+                             {"rgba-16", 6, 16}}) {
+        testing::PNGFile file{.width = 9, .height = 6, .depth = kind.depth, .colorType = kind.colorType};
+        file.isInterlaced = kind.depth == 8;
+        file.hasTransparency = true;
+        for (std::size_t i = 0; i < file.rowSize() * file.height; ++i) {
+            file.samples.push_back(static_cast<std::uint8_t>(i / 5 * 9));
+        }
+        save(directory / kind.name, testing::writePNGFile(file));
+    }
+}
+
+void saveGrayMaps(const std::filesystem::path& directory) {
+    save(directory / "plain", std::string_view("P5 3 2 255\n\x01\x02\x03\x04\x05\xFF"));
+    save(directory / "comments", std::string_view("P5\n# a storm\n2 # wide\n1\r\n9 \x08\x09"));
+}
+
 void saveTable(const std::filesystem::path& root, const char* name, const ColorTable& table) {
     save(root / "color_table" / name, std::string_view(colorTableText(table)));
     save(root / "stop_list" / name, stopListOf(table).value());
@@ -80,6 +111,8 @@ int main(int count, char** arguments) {
         return 2;
     }
     saveRad2Files(std::filesystem::path(arguments[1]) / "rad2");
+    savePNGs(std::filesystem::path(arguments[1]) / "png_tile");
+    saveGrayMaps(std::filesystem::path(arguments[1]) / "gray_map");
     saveTables(arguments[1]);
     return 0;
 }
