@@ -80,7 +80,8 @@ Result<RGBAImage, PNGError> decodePNG(std::span<const std::uint8_t> file, std::s
     }
     RGBAImage image{.width = header.width, .height = header.height, .pixels = Data(size)};
     code = spng_decode_image(context.get(), image.pixels.data(), size, SPNG_FMT_RGBA8, SPNG_DECODE_TRNS);
-    code = code != 0 ? code : spng_decode_chunks(context.get());  // to the end: a file that was cut is an error
+    code =
+        code != 0 ? code : spng_decode_chunks(context.get());  // to the end: a file that was cut is an error
     if (code != 0) {
         return fault(code);
     }
