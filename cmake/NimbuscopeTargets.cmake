@@ -15,6 +15,8 @@ target_compile_options(nimbuscope_options INTERFACE
   -Wno-missing-field-initializers
   # g++ 12 sees unset texts inside absent optionals.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
+  # clang sees that stable sorting of libstdc++ 12 calls what libstdc++ itself deprecates.
+  $<$<CXX_COMPILER_ID:Clang>:-Wno-deprecated-declarations>
   $<$<BOOL:${NIMBUSCOPE_WARNINGS_AS_ERRORS}>:-Werror>
   -ffile-prefix-map=${CMAKE_SOURCE_DIR}/=
   # Fused multiply-add only where the code asks for it: results must not depend on the processor.

@@ -22,4 +22,7 @@ struct nimbuscope::platform::JSONReader<nimbuscope::SharedDecodable<T>> {
         }
         return nullptr;
     }
+    static bool readStraight(JSONToken json, SharedDecodable<T>& element) {
+        return JSONReader<T>::readStraight(json, element.base.emplace());
+    }
 };

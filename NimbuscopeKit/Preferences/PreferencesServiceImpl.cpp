@@ -183,7 +183,11 @@ DefaultsResult<PreferencesServiceImpl::Record> PreferencesServiceImpl::storedRec
     if (!stored) {
         return std::unexpected(stored.error());
     }
-    return *stored ? decoder_.decode<AppPreferences>(platform::textOf(**stored)) : imported();
+    if (!*stored) {
+        return imported();
+    }
+    const Data& json = **stored;
+    return decoder_.decode<AppPreferences>(platform::textOf(json), json.capacity() - json.size());
 }
 
 AppPreferences PreferencesServiceImpl::imported() const {

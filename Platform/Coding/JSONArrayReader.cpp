@@ -7,10 +7,11 @@ constexpr std::size_t stretchSize = std::size_t{64} << 10U;
 constexpr int mostTries = 8;
 constexpr std::string_view whitespace = " \t\r\n";
 
-/// The first comma at or after `from` that stands between a closing and an opening brace. Whether it stands
+/// The first comma behind `from` that stands between a closing and an opening brace. Whether it stands
 /// between two elements, or deeper, or in a text, only parsing tells.
 std::size_t commaBetweenObjects(std::string_view text, std::size_t from) {
-    for (std::size_t comma = text.find(',', from); comma != text.npos; comma = text.find(',', comma + 1)) {
+    for (std::size_t comma = text.find(',', from + 1); comma != text.npos;
+         comma = text.find(',', comma + 1)) {
         const std::size_t before = text.find_last_not_of(whitespace, comma - 1);
         const std::size_t after = text.find_first_not_of(whitespace, comma + 1);
         if (before != text.npos && text[before] == '}' && after != text.npos && text[after] == '{') {
@@ -22,49 +23,50 @@ std::size_t commaBetweenObjects(std::string_view text, std::size_t from) {
 
 }  // namespace
 
-Result<std::optional<simdjson::dom::array>, DecodingError> JSONArrayReader::next() {
-    if (isAtEnd_) {
-        return std::nullopt;
+JSONArrayReader::Stretch JSONArrayReader::likelyStretch() {
+    const bool isLong = text_.size() - taken_ > stretchSize + stretchSize / 2;
+    return stretchUpTo(isLong ? commaBetweenObjects(text_, taken_ + stretchSize) : text_.npos);
+}
+
+/// The elements before a comma, or all that are left, as an array: copied, unless they are the whole text
+/// with room behind it.
+JSONArrayReader::Stretch JSONArrayReader::stretchUpTo(std::size_t comma) {
+    if (taken_ == 0 && comma == text_.npos && slack_ >= JSONDocument::enough) {
+        return {text_, comma};
     }
-    if (text_.size() - taken_ > stretchSize + stretchSize / 2) {
-        if (const auto elements = nextStretch()) {
-            return elements;
-        }
-    }
-    return rest();
+    const std::string_view elements = text_.substr(taken_, comma - taken_);
+    stretch_.reserve(elements.size() + 2 + JSONDocument::enough);
+    stretch_.assign(taken_ == 0 ? "" : "[").append(elements).append(comma == text_.npos ? "" : "]");
+    return {stretch_, comma};
+}
+
+void JSONArrayReader::take(const Stretch& stretch) {
+    isAtEnd_ = stretch.end == text_.npos;
+    taken_ = isAtEnd_ ? text_.size() : stretch.end + 1;
 }
 
 /// Tries to parse the text up to a likely end of an element as an array of its own. When that is valid, the
 /// end was one: what begins at an element and is a valid list of elements ends with one.
-std::optional<simdjson::dom::array> JSONArrayReader::nextStretch() {
-    std::size_t comma = taken_ + stretchSize;
-    for (int i = 0; i < mostTries; ++i) {
-        comma = commaBetweenObjects(text_, comma + 1);
-        if (comma == text_.npos) {
-            return std::nullopt;
-        }
-        stretch_.assign(taken_ == 0 ? "" : "[").append(text_.substr(taken_, comma - taken_)) += ']';
-        stretch_.reserve(stretch_.size() + JSONDocument::enough);
-        const auto root = document_.parse(stretch_, stretch_.capacity() - stretch_.size());
+Result<simdjson::dom::array, DecodingError> JSONArrayReader::next() {
+    Stretch stretch = likelyStretch();
+    for (int i = 0; i < mostTries && stretch.end != text_.npos; ++i) {
+        const auto root = document_.parse(stretch.json, JSONDocument::enough);
         simdjson::dom::array elements;
         if (root && root->get(elements) == simdjson::SUCCESS) {
-            if (taken_ == 0) {
-                expectedCount_ = elements.size() * (text_.size() / comma + 1);
-            }
-            taken_ = comma + 1;
+            take(stretch);
             return elements;
         }
+        stretch = stretchUpTo(commaBetweenObjects(text_, stretch.end));
     }
-    return std::nullopt;
+    return rest();
 }
 
 /// All that is left, at once; also the way to say what is wrong with the text.
-Result<std::optional<simdjson::dom::array>, DecodingError> JSONArrayReader::rest() {
+Result<simdjson::dom::array, DecodingError> JSONArrayReader::rest() {
     isAtEnd_ = true;
+    simdjson::dom::array elements;
     if (taken_ > 0) {
-        stretch_.assign("[").append(text_.substr(taken_));
-        const auto root = document_.parse(stretch_);
-        simdjson::dom::array elements;
+        const auto root = document_.parse(stretchUpTo(text_.npos).json, JSONDocument::enough);
         if (root && root->get(elements) == simdjson::SUCCESS) {
             return elements;
         }
@@ -73,11 +75,9 @@ Result<std::optional<simdjson::dom::array>, DecodingError> JSONArrayReader::rest
     if (!root) {
         return std::unexpected(root.error());
     }
-    simdjson::dom::array elements;
     if (root->get(elements) != simdjson::SUCCESS) {
         return std::unexpected(std::move(*typeMismatch("an array", *root)));
     }
-    expectedCount_ = elements.size();
     return elements;
 }
 

@@ -19,6 +19,9 @@ class JSONDecoder {
     /// `slack` is how many bytes behind the text may be read as well (see `JSONDocument::parse`).
     template <class T>
     [[nodiscard]] Result<T, DecodingError> decode(std::string_view json, std::size_t slack = 0) {
+        if (Result<T, DecodingError> value; slack >= JSONDocument::enough && decodeStraight(json, *value)) {
+            return value;
+        }
         const auto root = document_.parse(json, slack);
         if (!root) {
             return std::unexpected(root.error());
@@ -35,27 +38,28 @@ class JSONDecoder {
     /// comes back.
     template <class T, std::invocable<T&&> Take>
     [[nodiscard]] Result<void, DecodingError> decodeEach(const Data& json, Take take) {
-        return visitElements(json, [&](JSONElement element, std::size_t /*expected*/) {
-            T value{};
-            DecodingFault found = JSONReader<T>::read(element, value);
-            if (!found) {
-                take(std::move(value));
-            }
-            return found;
-        });
+        T value{};
+        return visitElements<T>(
+            json, [&](std::size_t /*expected*/) -> T& { return value = T{}; },
+            [&] { take(std::move(value)); });
     }
 
     /// The list that `json` holds; takes little memory beside the text and the list.
     template <class T>
     [[nodiscard]] Result<std::vector<T>, DecodingError> decodeList(const Data& json) {
         std::vector<T> values;
-        auto visited = visitElements(json, [&](JSONElement element, std::size_t expected) {
-            if (values.empty()) {
-                values.reserve(
-                    std::min(expected, json.size() / sizeof(T)));  // never more memory than the text has
-            }
-            return JSONReader<T>::read(element, values.emplace_back());
-        });
+        std::size_t sound = 0;
+        auto visited = visitElements<T>(
+            json,
+            [&](std::size_t expected) -> T& {
+                values.resize(sound);  // without one that was given up
+                if (sound == 1) {
+                    // never more memory than the text has
+                    values.reserve(std::min(expected, json.size() / sizeof(T)));
+                }
+                return values.emplace_back();
+            },
+            [&] { ++sound; });
         if (!visited) {
             return std::unexpected(std::move(visited.error()));
         }
@@ -63,27 +67,91 @@ class JSONDecoder {
     }
 
   private:
-    /// Calls `visit(element, expected)`, where `expected` is about how many elements the whole array has.
-    template <class Visit>
-    [[nodiscard]] Result<void, DecodingError> visitElements(const Data& json, Visit visit) {
+    /// A text as a document to walk through once; it must have `JSONDocument::enough` bytes behind it.
+    [[nodiscard]] simdjson::error_code walk(std::string_view json, simdjson::ondemand::document& document) {
+        return straight_.iterate(json.data(), json.size(), json.size() + JSONDocument::enough).get(document);
+    }
+
+    /// Whether the walk has come to the end of the text, exactly.
+    [[nodiscard]] static bool isAtEnd(simdjson::ondemand::document& document) {
+        return document.current_location().error() == simdjson::OUT_OF_BOUNDS;
+    }
+
+    template <class T>
+    [[nodiscard]] bool decodeStraight(std::string_view json, T& value) {
+        simdjson::ondemand::document document;
+        JSONToken root;
+        return walk(json, document) == simdjson::SUCCESS &&
+               document.get_value().get(root) == simdjson::SUCCESS &&
+               JSONReader<T>::readStraight(root, value) && isAtEnd(document);
+    }
+
+    /// Reads each element of the array that `json` holds into `place(expected)`, a T as it is made by
+    /// default, and calls `done()` when it is sound; `expected` is about how many elements the array has,
+    /// once known.
+    template <class T, class Place, class Done>
+    [[nodiscard]] Result<void, DecodingError> visitElements(const Data& json, Place place, Done done) {
         JSONArrayReader reader(document_, textOf(json), json.capacity() - json.size());
-        for (std::size_t index = 0;;) {
+        auto [index, visited] = visitStraight<T>(json, reader, place, done);
+        while (!reader.isAtEnd()) {
             const auto elements = reader.next();
             if (!elements) {
                 return std::unexpected(elements.error());
             }
-            if (!*elements) {
-                return {};
-            }
-            for (const JSONElement element : **elements) {
-                if (DecodingFault inner = visit(element, reader.expectedCount())) {
-                    return std::unexpected(std::move(*inElement(index, std::move(inner))));
+            for (const JSONElement element : *elements) {
+                if (index++ < visited) {
+                    continue;
                 }
-                ++index;
+                if (DecodingFault inner = JSONReader<T>::read(element, place(0))) {
+                    return std::unexpected(std::move(*inElement(index - 1, std::move(inner))));
+                }
+                done();
             }
         }
+        return {};
     }
 
+    struct Progress {
+        std::size_t taken = 0;    ///< elements behind which the reader stands
+        std::size_t visited = 0;  ///< elements that were read, some of which may follow
+    };
+
+    /// As `visitElements`, straight from the text, up to the first element that is out of the ordinary.
+    template <class T, class Place, class Done>
+    Progress visitStraight(const Data& json, JSONArrayReader& reader, Place& place, Done& done) {
+        Progress progress;
+        std::size_t expected = 0;
+        while (!reader.isAtEnd()) {
+            const JSONArrayReader::Stretch stretch = reader.likelyStretch();
+            simdjson::ondemand::document document;
+            simdjson::ondemand::array elements;
+            if (walk(stretch.json, document) != simdjson::SUCCESS ||
+                document.get_array().get(elements) != simdjson::SUCCESS) {
+                return progress;
+            }
+            for (auto element : elements) {
+                JSONToken token;
+                if (std::move(element).get(token) != simdjson::SUCCESS ||
+                    !JSONReader<T>::readStraight(token, place(expected))) {
+                    return progress;
+                }
+                done();
+                ++progress.visited;
+                if (const char* end = nullptr;
+                    expected == 0 && document.current_location().get(end) == simdjson::SUCCESS) {
+                    expected = json.size() / static_cast<std::size_t>(end - stretch.json.data()) + 1;
+                }
+            }
+            if (!isAtEnd(document)) {
+                return progress;
+            }
+            reader.take(stretch);
+            progress.taken = progress.visited;
+        }
+        return progress;
+    }
+
+    simdjson::ondemand::parser straight_;
     JSONDocument document_;
 };
 

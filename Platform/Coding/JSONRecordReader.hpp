@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <cstring>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -81,25 +80,73 @@ DecodingFault readFields(const FieldValues<T>& values, T& record, std::index_seq
     return found;
 }
 
-/// Reads a record whose keys come in the order of the table, as the encoder writes them, straight through.
-/// False when it is any other, or has a fault; what has been read of it then is to be read again.
-template <Record T, std::size_t... I>
-bool readInOrder(simdjson::dom::object object, T& record, std::index_sequence<I...> /*positions*/) {
-    auto next = object.begin();
-    const auto end = object.end();
-    const auto readOne = [&]<std::size_t position>() {
-        constexpr auto field = std::get<position>(T::fields);
-        constexpr bool mayBeMissing = field.hasDefault || isOptional<typename decltype(field)::Value>;
-        // The length is a constant, with which the comparison compiles to a few instructions.
-        if (!(next != end) || next.key_length() != field.key.size() ||
-            std::memcmp(next.key_c_str(), field.key.data(), field.key.size()) != 0) {
-            return mayBeMissing;
+/// The fields of an object as they come, of which the next one can be looked at.
+class StraightFields {
+  public:
+    explicit StraightFields(simdjson::ondemand::object& object) {
+        simdjson::error_code error = object.begin().get(next_);
+        isSound_ = error == simdjson::SUCCESS && object.end().get(end_) == simdjson::SUCCESS;
+        load();
+    }
+
+    [[nodiscard, gnu::always_inline]] bool isNext(std::string_view key) {
+        return hasField_ && field_.key().unsafe_is_equal(key);
+    }
+    [[nodiscard]] JSONToken& value() { return field_.value(); }
+    [[gnu::always_inline]] void advance() {
+        ++next_;
+        load();
+    }
+    [[nodiscard]] bool isAtEnd() const { return isSound_ && !hasField_; }
+
+  private:
+    [[gnu::always_inline]] void load() {
+        hasField_ = isSound_ && next_ != end_;
+        if (hasField_ && (*next_).get(field_) != simdjson::SUCCESS) {
+            isSound_ = hasField_ = false;
         }
-        const JSONElement value = next.value();
-        ++next;
-        return value.is_null() ? mayBeMissing : readField(&value, false, record.*field.member) == nullptr;
+    }
+
+    simdjson::ondemand::object_iterator next_;
+    simdjson::ondemand::object_iterator end_;
+    simdjson::ondemand::field field_;
+    bool hasField_ = false;
+    bool isSound_ = false;
+};
+
+template <class Value>
+[[gnu::always_inline]] inline bool readStraightField(JSONToken& json, bool mayBeMissing, Value& value) {
+    bool isNull = false;
+    if constexpr (isOptional<Value>) {
+        if (json.is_null().get(isNull) == simdjson::SUCCESS && isNull) {
+            return true;
+        }
+        return JSONReader<typename Value::value_type>::readStraight(json, value.emplace());
+    } else {
+        if (mayBeMissing && json.is_null().get(isNull) == simdjson::SUCCESS && isNull) {
+            return true;
+        }
+        return JSONReader<Value>::readStraight(json, value);
+    }
+}
+
+/// Reads a record whose keys come in the order of the table, as the encoder writes them, and gives up on any
+/// other.
+template <Record T, std::size_t... I>
+bool readInOrder(simdjson::ondemand::object& object, T& record, std::index_sequence<I...> /*positions*/) {
+    StraightFields fields(object);
+    const auto readOne = [&]<std::size_t position>() __attribute__((always_inline)) {
+        constexpr auto field = std::get<position>(T::fields);
+        if (!fields.isNext(field.key)) {
+            return field.hasDefault || isOptional<typename decltype(field)::Value>;
+        }
+        if (!readStraightField(fields.value(), field.hasDefault, record.*field.member)) {
+            return false;
+        }
+        fields.advance();
+        return true;
     };
-    return (readOne.template operator()<I>() && ...) && !(next != end);
+    return (readOne.template operator()<I>() && ...) && fields.isAtEnd();
 }
 
 }  // namespace detail
@@ -112,15 +159,16 @@ struct JSONReader<T> {
             return typeMismatch("an object", json);
         }
         constexpr auto positions = std::make_index_sequence<fieldCount<T>>{};
-        if (detail::readInOrder(object, record, positions)) {
-            return nullptr;
-        }
-        record = T{};
         const detail::FieldValues<T> values(object);
         if (DecodingFault found = detail::readFields<false>(values, record, positions)) {
             return found;
         }
         return detail::readFields<true>(values, record, positions);
+    }
+    static bool readStraight(JSONToken json, T& record) {
+        simdjson::ondemand::object object;
+        return json.get(object) == simdjson::SUCCESS &&
+               detail::readInOrder(object, record, std::make_index_sequence<fieldCount<T>>{});
     }
 };
 

@@ -80,6 +80,30 @@ TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
     EXPECT_EQ(JSONEncoder().encode(*decoded)->find("note"), std::string::npos);
 }
 
+TEST(Coding, aTextReadsTheSameStraightAndThroughADocument) {
+    std::vector<std::string> texts{wholeText + " \n", wholeText + "}", wholeText + "1",
+                                   " [" + wholeText + "]"};
+    for (std::size_t size = 0; size < wholeText.size(); ++size) {
+        texts.push_back(wholeText.substr(0, size));
+        for (const char other : {'"', 'n', '0', ',', '}', ']', ' ', '\\', '\x01', '\xFF'}) {
+            texts.push_back(wholeText);
+            texts.back()[size] = other;
+        }
+    }
+    JSONDecoder straight;
+    JSONDecoder through;
+    for (const std::string& text : texts) {
+        for (const char behind : {'}', ']', ',', '"'}) {  // what lies behind a text must not count
+            const std::string padded = text + std::string(JSONDocument::enough, behind);
+            const auto one =
+                straight.decode<Outer>(std::string_view(padded).substr(0, text.size()), JSONDocument::enough);
+            const auto other = through.decode<Outer>(text);
+            ASSERT_EQ(one.has_value(), other.has_value()) << text;
+            ASSERT_TRUE(one ? *one == *other : one.error().message() == other.error().message()) << text;
+        }
+    }
+}
+
 TEST(Coding, aDefaultThatNullTakesBackStands) {
     const auto decoded = JSONDecoder().decode<Outer>(
         R"({"name":"","flag":false,"count":0,"usual":{"x":1,"small":1},"usual":null,"list":[],"level":40,"word":"One"})");
