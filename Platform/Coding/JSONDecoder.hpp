@@ -117,8 +117,10 @@ class JSONDecoder {
     };
 
     /// As `visitElements`, straight from the text, up to the first element that is out of the ordinary.
+    /// Flattened, so that the place of the walk stays in registers: the calls would cost a third of the time.
     template <class T, class Place, class Done>
-    Progress visitStraight(const Data& json, JSONArrayReader& reader, Place& place, Done& done) {
+    [[gnu::flatten]] Progress visitStraight(const Data& json, JSONArrayReader& reader, Place& place,
+                                            Done& done) {
         Progress progress;
         std::size_t expected = 0;
         while (!reader.isAtEnd()) {

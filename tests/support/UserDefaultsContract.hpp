@@ -75,7 +75,7 @@ TYPED_TEST_P(UserDefaultsContract, whatCannotBeStoredIsRefusedAndChangesNothing)
         {"\xFF", true},
         {"k", std::numeric_limits<double>::quiet_NaN()},
         {"k", std::string("\xC3")},
-        {"k", DefaultsArray{std::numeric_limits<double>::infinity()}},
+        {"k", DefaultsArray{DefaultsValue(std::numeric_limits<double>::infinity())}},
     };
     for (const auto& [key, value] : cases) {
         const auto stored = store->set(key, value);

@@ -20,6 +20,7 @@ constexpr int margin = 20;
 constexpr int tickLength = 6;
 constexpr int stripLength = 768;
 constexpr int textHeight = Glyph::capHeight * textScale;
+constexpr std::size_t sectionEntries = 128;
 
 int textWidth(const std::string& text) {
     return widthOf(text) * textScale;
@@ -181,7 +182,6 @@ double labelStep(double from, double to, int count) {
 }
 
 Chart schemeChart(const ColorScheme& scheme, std::string title, std::string subtitle) {
-    constexpr std::size_t sectionEntries = 128;
     constexpr std::size_t radarEntries = 4 * sectionEntries;
     const std::span<const std::uint8_t> colors = scheme.colors();
     const std::size_t entries = colors.size() / 4;
@@ -203,7 +203,8 @@ Chart schemeChart(const ColorScheme& scheme, std::string title, std::string subt
 Axis legendAxis(ColorSchemeType type) {
     const auto [first, end] = legendRange(type);
     const bool isClouds = type == ColorSchemeType::Clouds;
-    const double zero = isClouds ? 0.0 : static_cast<double>(first / 128 * 128) + 32.0;
+    const std::size_t section = first / sectionEntries * sectionEntries;
+    const double zero = isClouds ? 0.0 : static_cast<double>(section) + 32.0;
     const double from = static_cast<double>(first) - zero;
     const double to = static_cast<double>(end) - zero;
     return {.from = from, .to = to, .step = labelStep(from, to, 8), .unit = isClouds ? "value" : "dBZ"};

@@ -1,5 +1,6 @@
 // The verb `palette legend`.
 
+#include <algorithm>
 #include <map>
 
 #include "CommandLine.hpp"
@@ -98,10 +99,8 @@ void addPaletteLegend(CommandLine& commandLine, CLI::App& parent) {
                             "nimbuscope palette legend 4 --type Rain --direction vertical -o rain.png",
                             [options](std::string& output) { return legend(*options, output); });
     verb.add_option("SCHEME", options->scheme, "Scheme number, as `palette list` shows them")->required();
-    std::vector<std::string> names;
-    for (const auto& [name, type] : types) {
-        names.push_back(name);
-    }
+    std::vector<std::string> names(types.size());
+    std::ranges::transform(types, names.begin(), [](const auto& type) { return type.first; });
     verb.add_option("--type", options->type, "What the legend shows")
         ->required()
         ->check(CLI::IsMember(names));
