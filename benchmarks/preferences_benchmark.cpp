@@ -19,6 +19,9 @@ namespace {
 class MetricLocale final : public platform::Locale {
   public:
     [[nodiscard]] bool usesMetricSystem() const override { return true; }
+    [[nodiscard]] std::optional<std::string> displayNameOfCountry(std::string_view /*code*/) const override {
+        return std::nullopt;
+    }
 };
 
 /// A directory that is gone when the benchmark ends.

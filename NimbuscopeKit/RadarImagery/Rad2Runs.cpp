@@ -78,6 +78,8 @@ constexpr std::size_t groupSize = groupRuns * 2;  // in bytes
 constexpr std::size_t storedPixels = 16;
 constexpr std::size_t storedSize = storedPixels * pixelSize;
 constexpr std::size_t longestRunSize = 6;  // in bytes
+constexpr std::size_t longestByteCount = 254;
+constexpr std::size_t sparsePixelsPerByte = 8;
 
 /// Where a decoding stands: the next run and the next pixel, and how far they may go.
 struct Cursor {
@@ -123,10 +125,12 @@ template <std::size_t registerSize>
 }
 
 /// Decodes up to eight runs. False when the next one must be taken alone, because it is longer than sixteen
-/// pixels or empty or because the end is near.
-template <std::size_t registerSize>
+/// pixels or empty or because the end is near. Where pixels are cleared first, runs of zeros may be longer.
+template <std::size_t registerSize, bool isCleared>
 [[gnu::always_inline]] inline bool colorGroup(Cursor& cursor, const std::uint8_t* colors) {
-    if (cursor.roomLeft() < groupRuns * storedSize) {
+    constexpr std::size_t longestZeros = isCleared ? longestByteCount : storedPixels;
+    constexpr std::size_t reach = groupRuns * longestZeros * pixelSize + storedSize;
+    if (cursor.roomLeft() < reach) {
         return false;
     }
     if (areSinglePixels(cursor.run)) {
@@ -140,11 +144,12 @@ template <std::size_t registerSize>
     }
 #pragma GCC unroll 8
     for (std::size_t i = 0; i < groupRuns; ++i) {
-        const std::uint8_t length = cursor.run[1];
-        if (length == 0 || length > storedPixels) [[unlikely]] {
+        const std::size_t length = cursor.run[1];
+        const std::uint32_t color = colorAt(colors, cursor.run[0]);
+        if (length - 1 >= (color == 0 ? longestZeros : storedPixels)) [[unlikely]] {
             return false;
         }
-        storePixels<registerSize>(cursor.out, colorAt(colors, cursor.run[0]));
+        storePixels<registerSize>(cursor.out, color);
         cursor.run += 2;
         cursor.out += length * pixelSize;
     }
@@ -152,7 +157,7 @@ template <std::size_t registerSize>
 }
 
 /// Decodes a run of any form. False when the end is too near for that, or the run is at fault.
-template <std::size_t registerSize>
+template <std::size_t registerSize, bool isCleared>
 [[gnu::always_inline]] inline bool colorRun(Cursor& cursor, const std::uint8_t* colors) {
     if (cursor.bytesLeft() < longestRunSize) {
         return false;
@@ -170,12 +175,24 @@ template <std::size_t registerSize>
         return false;
     }
     const std::uint32_t color = colorAt(colors, run[0]);
-    for (std::size_t done = 0; done < length; done += storedPixels) {
+    storePixels<registerSize>(cursor.out, color);
+    const std::size_t end = isCleared && color == 0 ? 0 : length;
+    for (std::size_t done = storedPixels; done < end; done += storedPixels) {
         storePixels<registerSize>(cursor.out + done * pixelSize, color);
     }
     cursor.run += size;
     cursor.out += length * pixelSize;
     return true;
+}
+
+template <std::size_t registerSize, bool isCleared>
+[[gnu::always_inline]] inline void colorRuns(Cursor& cursor, const std::uint8_t* colors) {
+    while (cursor.bytesLeft() >= groupSize) {
+        if (!colorGroup<registerSize, isCleared>(cursor, colors) &&
+            !colorRun<registerSize, isCleared>(cursor, colors)) {
+            break;
+        }
+    }
 }
 
 template <std::size_t registerSize>
@@ -188,10 +205,13 @@ template <std::size_t registerSize>
                   .runsEnd = file + end,
                   .out = out,
                   .outEnd = out + count * pixelSize};
-    while (cursor.bytesLeft() >= groupSize) {
-        if (!colorGroup<registerSize>(cursor, colors) && !colorRun<registerSize>(cursor, colors)) {
-            break;
-        }
+    // Where most pixels are empty, which runs are long is as good as drawn by lot, and guessed wrong by the
+    // processor. Clearing the pixels beforehand makes long runs of zeros as good as short ones.
+    if (cursor.bytesLeft() < count / sparsePixelsPerByte) {
+        std::memset(out, 0, count * pixelSize);
+        colorRuns<registerSize, true>(cursor, colors);
+    } else {
+        colorRuns<registerSize, false>(cursor, colors);
     }
     const auto done = static_cast<std::uint64_t>(cursor.run - file);
     return colorRunByRun({.file = source.file, .begin = std::max(source.begin, done), .end = source.end},

@@ -88,18 +88,6 @@ TEST(ColorScheme, everyVariantColoursAsTheRulesSay) {
     EXPECT_TRUE(Recoloring::variants().back().isSupported);
 }
 
-TEST(ColorScheme, eachBlueByteHasItsSection) {
-    const RadarColorScheme scheme(1, true, true, -32);
-    const Bytes tile{100, 0, 223, 255, 200, 0, 223, 255, 60, 0, 255, 255, 60, 9, 191, 0, 130, 0, 7, 7};
-    const Bytes colored = *scheme.applyColors(tile, {5, 1});
-    const std::array<std::optional<std::size_t>, 5> entries{484, std::nullopt, 188, 316, 130};
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        const Bytes pixel(colored.begin() + static_cast<std::ptrdiff_t>(i * 4),
-                          colored.begin() + static_cast<std::ptrdiff_t>(i * 4 + 4));
-        EXPECT_EQ(pixel, entries[i] ? entry(scheme, *entries[i]) : Bytes(4)) << i;
-    }
-}
-
 TEST(ColorScheme, sizesAndShortTablesAreChecked) {
     const RadarColorScheme radar(4, true, true, -32);
     const SatelliteColorScheme satellite;

@@ -231,7 +231,8 @@ Data randomRuns(std::mt19937& random, std::size_t pixels) {
 
 TEST(Rad2, everyVariantDecodesAsTheRulesSay) {
     std::mt19937 random(11);
-    const Data colors = table();
+    Data colors = table();
+    std::fill_n(colors.begin(), 128 * 4, std::uint8_t{0});  // zeros are passed over where there are many
     constexpr std::size_t margin = 64;
     for (int round = 0; round < 3000; ++round) {
         const std::size_t count = random() % 6000;
