@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "Platform/Coding/Inlining.hpp"
 #include "Platform/Coding/JSONArrayReader.hpp"
 #include "Platform/Coding/JSONRecordReader.hpp"
 #include "Platform/Core/Data.hpp"
@@ -119,8 +120,8 @@ class JSONDecoder {
     /// As `visitElements`, straight from the text, up to the first element that is out of the ordinary.
     /// Flattened, so that the place of the walk stays in registers: the calls would cost a third of the time.
     template <class T, class Place, class Done>
-    [[gnu::flatten]] Progress visitStraight(const Data& json, JSONArrayReader& reader, Place& place,
-                                            Done& done) {
+    NIMBUSCOPE_FLATTENED Progress visitStraight(const Data& json, JSONArrayReader& reader, Place& place,
+                                                Done& done) {
         Progress progress;
         std::size_t expected = 0;
         while (!reader.isAtEnd()) {

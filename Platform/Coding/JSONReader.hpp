@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "Platform/Coding/Enumeration.hpp"
+#include "Platform/Coding/Inlining.hpp"
 #include "Platform/Coding/JSONDocument.hpp"
 
 /// Decoding of records, and of what they are made of, from JSON.
@@ -41,7 +42,7 @@ struct JSONReader<bool> {
         }
         return {};
     }
-    [[gnu::always_inline]] static bool readStraight(JSONToken json, bool& value) {
+    NIMBUSCOPE_INLINED static bool readStraight(JSONToken json, bool& value) {
         return json.get(value) == simdjson::SUCCESS;
     }
 };
@@ -56,7 +57,7 @@ struct JSONReader<T> {
         value = static_cast<T>(number);
         return {};
     }
-    [[gnu::always_inline]] static bool readStraight(JSONToken json, T& value) {
+    NIMBUSCOPE_INLINED static bool readStraight(JSONToken json, T& value) {
         double number = 0;
         const bool isSound = json.get(number) == simdjson::SUCCESS;
         value = static_cast<T>(number);
@@ -79,7 +80,7 @@ struct JSONReader<T> {
         value = static_cast<T>(number);
         return {};
     }
-    [[gnu::always_inline]] static bool readStraight(JSONToken json, T& value) {
+    NIMBUSCOPE_INLINED static bool readStraight(JSONToken json, T& value) {
         std::int64_t number = 0;
         const bool isSound = json.get(number) == simdjson::SUCCESS && std::in_range<T>(number);
         value = static_cast<T>(number);
@@ -127,7 +128,7 @@ struct JSONReader<std::string> {
         value.assign(text);
         return {};
     }
-    [[gnu::always_inline]] static bool readStraight(JSONToken json, std::string& value) {
+    NIMBUSCOPE_INLINED static bool readStraight(JSONToken json, std::string& value) {
         const std::optional<std::string_view> text = straightText(json);
         if (text) {
             value.assign(*text);
@@ -152,7 +153,7 @@ struct JSONReader<std::vector<T>> {
         }
         return {};
     }
-    [[gnu::always_inline]] static bool readStraight(JSONToken json, std::vector<T>& values) {
+    NIMBUSCOPE_INLINED static bool readStraight(JSONToken json, std::vector<T>& values) {
         simdjson::ondemand::array array;
         if (json.get(array) != simdjson::SUCCESS) {
             return false;
@@ -183,7 +184,7 @@ struct JSONReader<E> {
         value = *found;
         return {};
     }
-    [[gnu::always_inline]] static bool readStraight(JSONToken json, E& value) {
+    NIMBUSCOPE_INLINED static bool readStraight(JSONToken json, E& value) {
         std::optional<E> found;
         if constexpr (std::same_as<RawValue<E>, std::int64_t>) {
             std::int64_t raw = 0;

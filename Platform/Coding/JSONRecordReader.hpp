@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Platform/Coding/Fields.hpp"
+#include "Platform/Coding/Inlining.hpp"
 #include "Platform/Coding/JSONReader.hpp"
 #include "Platform/Coding/KeyIndex.hpp"
 
@@ -89,18 +90,18 @@ class StraightFields {
         load();
     }
 
-    [[nodiscard, gnu::always_inline]] bool isNext(std::string_view key) {
+    [[nodiscard]] NIMBUSCOPE_INLINED bool isNext(std::string_view key) {
         return hasField_ && field_.key().unsafe_is_equal(key);
     }
     [[nodiscard]] JSONToken& value() { return field_.value(); }
-    [[gnu::always_inline]] void advance() {
+    NIMBUSCOPE_INLINED void advance() {
         ++next_;
         load();
     }
     [[nodiscard]] bool isAtEnd() const { return isSound_ && !hasField_; }
 
   private:
-    [[gnu::always_inline]] void load() {
+    NIMBUSCOPE_INLINED void load() {
         hasField_ = isSound_ && next_ != end_;
         if (hasField_ && (*next_).get(field_) != simdjson::SUCCESS) {
             isSound_ = hasField_ = false;
@@ -115,7 +116,7 @@ class StraightFields {
 };
 
 template <class Value>
-[[gnu::always_inline]] inline bool readStraightField(JSONToken& json, bool mayBeMissing, Value& value) {
+NIMBUSCOPE_INLINED inline bool readStraightField(JSONToken& json, bool mayBeMissing, Value& value) {
     bool isNull = false;
     if constexpr (isOptional<Value>) {
         if (json.is_null().get(isNull) == simdjson::SUCCESS && isNull) {
@@ -135,7 +136,7 @@ template <class Value>
 template <Record T, std::size_t... I>
 bool readInOrder(simdjson::ondemand::object& object, T& record, std::index_sequence<I...> /*positions*/) {
     StraightFields fields(object);
-    const auto readOne = [&]<std::size_t position>() __attribute__((always_inline)) {
+    const auto readOne = [&]<std::size_t position>() NIMBUSCOPE_INLINED {
         constexpr auto field = std::get<position>(T::fields);
         if (!fields.isNext(field.key)) {
             return field.hasDefault || isOptional<typename decltype(field)::Value>;
