@@ -51,6 +51,10 @@ std::unexpected<URLError> badURL(std::string reason) {
         URLError{URLError::Code::badURL, {"nimbuscope.url", 1, "the URL " + std::move(reason)}});
 }
 
+bool isUserCharacter(char character) {
+    return isPlain(character) || character == ':';
+}
+
 /// A part that decodes to UTF-8, with everything that a URL cannot hold percent-encoded.
 template <class IsAllowed>
 Result<std::string, URLError> part(std::string_view text, std::string_view name, IsAllowed isAllowed) {
@@ -176,7 +180,7 @@ Result<URLComponents, URLError> URLComponents::parse(std::string_view url) {
     }
     std::string_view authority = takeUntil(rest, "/?#");
     if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
-        auto user = part(authority.substr(0, at), "user", isPlain);
+        auto user = part(authority.substr(0, at), "user", isUserCharacter);
         if (!user) {
             return std::unexpected(std::move(user.error()));
         }
