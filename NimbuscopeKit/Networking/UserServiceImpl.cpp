@@ -17,11 +17,11 @@ std::optional<std::string> text(const platform::DefaultsDictionary& dictionary, 
 UserServiceImpl::UserServiceImpl(platform::DefaultsDictionary infoDictionary,
                                  std::shared_ptr<const platform::Locale> locale,
                                  std::shared_ptr<const platform::TimeZone> timeZone,
-                                 std::shared_ptr<PreferencesService> preferencesService)
+                                 std::function<UnitsPreference()> units)
     : infoDictionary_(std::move(infoDictionary)),
       locale_(std::move(locale)),
       timeZone_(std::move(timeZone)),
-      preferencesService_(std::move(preferencesService)) {}
+      units_(std::move(units)) {}
 
 std::optional<std::string> UserServiceImpl::version() const {
     return text(infoDictionary_, "CFBundleShortVersionString");
