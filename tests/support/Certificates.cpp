@@ -5,6 +5,8 @@
 #include <openssl/ssl.h>
 #include <openssl/x509v3.h>
 
+#include <atomic>
+
 namespace nimbuscope::testing {
 namespace {
 
@@ -25,16 +27,19 @@ std::string Certificate::pem() const {
 }
 
 Certificate makeCertificate(const CertificateOptions& options, const Certificate* issuer) {
-    static long serial = 0;
+    static std::atomic<long> serials = 0;
+    const long serial = ++serials;
+    // Authorities are found by their names.
+    const std::string name = options.commonName + (options.isAuthority ? " " + std::to_string(serial) : "");
     const Certificate made{{X509_new(), X509_free}, {EVP_EC_gen("P-256"), EVP_PKEY_free}};
     X509& certificate = *made.x509;
     X509_set_version(&certificate, X509_VERSION_3);
-    ASN1_INTEGER_set(X509_get_serialNumber(&certificate), ++serial);
+    ASN1_INTEGER_set(X509_get_serialNumber(&certificate), serial);
     X509_gmtime_adj(X509_getm_notBefore(&certificate), options.notBefore);
     X509_gmtime_adj(X509_getm_notAfter(&certificate), options.notAfter);
     X509_set_pubkey(&certificate, made.key.get());
     X509_NAME_add_entry_by_txt(X509_get_subject_name(&certificate), "CN", MBSTRING_UTF8,
-                               reinterpret_cast<const unsigned char*>(options.commonName.c_str()), -1, -1, 0);
+                               reinterpret_cast<const unsigned char*>(name.c_str()), -1, -1, 0);
     const Certificate& signer = issuer != nullptr ? *issuer : made;
     X509_set_issuer_name(&certificate, X509_get_subject_name(signer.x509.get()));
     addExtension(certificate, NID_basic_constraints, options.isAuthority ? "critical,CA:TRUE" : "CA:FALSE");
