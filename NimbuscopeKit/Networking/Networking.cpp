@@ -219,7 +219,8 @@ void Networking::sendSigned(URLRequest request, DataHandler callback) {
         callback(std::unexpected(signature.error()));
         return;
     }
-    for (const auto& [name, value] : signature->headers().fields()) {
+    const platform::HTTPHeaders headers = signature->headers();
+    for (const auto& [name, value] : headers.fields()) {
         request.headers.set(name, value);
     }
     load(std::move(request),

@@ -165,7 +165,7 @@ TEST_F(NetworkingTest, turnsFinishedTasksIntoValuesOrErrors) {
         {199, body, "status 199: " + std::string(StatusCodeError::errorDescription)},
         {300, body, "status 300: " + std::string(StatusCodeError::errorDescription)},
         {204, "", "noData: the reply has no body"},
-        {200, "", "invalid JSON"},
+        {200, "", "invalid JSON at byte 0"},
         {200, R"({"code":0,"message":""})", "data: missing key"},
         {200, R"({"Code":0,"message":"","data":1})", "code: missing key"},
         {200, R"({"code":0,"message":"","data":"1"})", "data: expected an integer, found a text"},

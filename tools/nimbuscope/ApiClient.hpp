@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "CommandLine.hpp"
@@ -38,8 +39,14 @@ class ApiClient {
             });
         }));
         main_.run();
-        return *outcome ? CommandResult<T>(std::move(**outcome))
-                        : std::unexpected(CommandError{what, reasonOf(outcome->error())});
+        if (!*outcome) {
+            return std::unexpected(CommandError{what, reasonOf(outcome->error())});
+        }
+        if constexpr (std::is_void_v<T>) {
+            return {};
+        } else {
+            return std::move(**outcome);
+        }
     }
 
   private:
