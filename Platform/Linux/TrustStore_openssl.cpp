@@ -3,6 +3,10 @@
 #include <openssl/err.h>
 #include <openssl/x509v3.h>
 
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
 namespace nimbuscope::platform {
 namespace {
 
@@ -20,6 +24,31 @@ bool namesHost(const X509& certificate) {
     return false;
 }
 
+bool isInEnvironment(const char* name) {
+    return std::getenv(name) != nullptr;  // NOLINT(concurrency-mt-unsafe): nothing here sets the environment
+}
+
+/// True where authorities can be found one by one, by the hashes of their names.
+bool isHashedDirectory(const char* directory) {
+    std::error_code error;
+    const auto files = std::filesystem::directory_iterator(directory, error);
+    return !error && std::any_of(begin(files), end(files),
+                                 [](const auto& file) { return file.path().extension() == ".0"; });
+}
+
+/// Reading all of a system's authorities takes a tenth of a second; it is left out where they can be had one
+/// by one and nobody asked for it.
+void addAuthoritiesOfSystem(X509_STORE& store) {
+    X509_LOOKUP_add_dir(X509_STORE_add_lookup(&store, X509_LOOKUP_hash_dir()), nullptr,
+                        X509_FILETYPE_DEFAULT);
+    if (isInEnvironment(X509_get_default_cert_file_env()) ||
+        !(isInEnvironment(X509_get_default_cert_dir_env()) ||
+          isHashedDirectory(X509_get_default_cert_dir()))) {
+        X509_LOOKUP_load_file(X509_STORE_add_lookup(&store, X509_LOOKUP_file()), nullptr,
+                              X509_FILETYPE_DEFAULT);
+    }
+}
+
 int verify(int isVerified, X509_STORE_CTX* context) {
     if (isVerified == 1 && X509_STORE_CTX_get_error_depth(context) == 0 &&
         !namesHost(*X509_STORE_CTX_get_current_cert(context))) {
@@ -34,7 +63,7 @@ int verify(int isVerified, X509_STORE_CTX* context) {
 Result<TrustStore, URLError> TrustStore::load(const std::string& additionalAuthorities) {
     TrustStore trust;
     trust.store_ = {X509_STORE_new(), X509_STORE_free};
-    X509_STORE_set_default_paths(trust.store_.get());
+    addAuthoritiesOfSystem(*trust.store_);
     if (!additionalAuthorities.empty() &&
         X509_STORE_load_file(trust.store_.get(), additionalAuthorities.c_str()) != 1) {
         const unsigned long code = ERR_peek_last_error();

@@ -29,8 +29,8 @@ class SHA256 {
     [[nodiscard]] SHA256Digest hmac(Bytes key, Bytes data);
 
   private:
-    struct Contexts;
-    std::unique_ptr<Contexts> contexts_;
+    struct Context;
+    std::unique_ptr<Context> context_;
 };
 
 enum class CryptOperation { encrypt, decrypt };

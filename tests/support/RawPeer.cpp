@@ -1,6 +1,7 @@
 #include "tests/support/RawPeer.hpp"
 
 #include <arpa/inet.h>
+#include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -70,6 +71,8 @@ void RawPeer::serve() {
             continue;
         }
         client_ = client;
+        const int isOn = 1;
+        ::setsockopt(client, IPPROTO_TCP, TCP_NODELAY, &isOn, sizeof isOn);
         const std::unique_ptr<SSL, decltype(&SSL_free)> ssl(SSL_new(context_.get()), SSL_free);
         SSL_set_fd(ssl.get(), client);
         if (SSL_accept(ssl.get()) == 1) {

@@ -15,7 +15,7 @@ class ScriptedURLSession final : public platform::URLSession {
   public:
     using Answer = std::function<platform::URLSessionResult(const platform::URLRequest&)>;
 
-    explicit ScriptedURLSession(Answer first) : answer(std::move(first)) {}
+    explicit ScriptedURLSession(Answer script) : answer(std::move(script)) {}
 
     Answer answer;
     bool isHolding = false;
