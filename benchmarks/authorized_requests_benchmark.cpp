@@ -1,7 +1,9 @@
 // Requests to the mobile API in sequence over a kept connection, signed and decoded, against libcurl used by
 // hand with five fixed header fields. Times are per request.
 
-#include <latch>
+#include <curl/curl.h>
+
+#include <future>
 
 #include "NimbuscopeKit/Networking/Networking.hpp"
 #include "NimbuscopeKit/Networking/UserServiceImpl.hpp"
@@ -35,20 +37,20 @@ class Client {
     }
 
     void load(int count) {
-        std::latch done(1);
+        std::promise<void> done;
         loadNext(count, done);
-        done.wait();
+        done.get_future().wait();
     }
 
   private:
-    void loadNext(int count, std::latch& done) {
+    void loadNext(int count, std::promise<void>& done) {
         networking_->authorizedRequest<std::int64_t>(
             path, "GET", {}, std::nullopt, [this, count, &done](const RequestResult<std::int64_t>& result) {
                 if (!result) {
                     std::fprintf(stderr, "request: %s\n", description(result.error()).c_str());
                     std::exit(1);
                 }
-                count > 1 ? loadNext(count - 1, done) : done.count_down();
+                count > 1 ? loadNext(count - 1, done) : done.set_value();
             });
     }
 
@@ -65,6 +67,7 @@ class Client {
 }  // namespace
 
 int main() {
+    curl_global_init(CURL_GLOBAL_DEFAULT);
     testing::HTTPSPeer server([](const httplib::Request&, httplib::Response& response) {
         response.set_content(R"({"code":0,"message":"OK","data":7})", "application/json");
     });
