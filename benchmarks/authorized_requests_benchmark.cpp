@@ -8,6 +8,7 @@
 #include "NimbuscopeKit/Networking/Networking.hpp"
 #include "NimbuscopeKit/Networking/UserServiceImpl.hpp"
 #include "Platform/Concurrency/SerialQueue.hpp"
+#include "Platform/Core/Fatal.hpp"
 #include "Platform/Linux/Security_openssl.hpp"
 #include "Platform/Linux/URLSession_curl.hpp"
 #include "support/CurlPeers.hpp"
