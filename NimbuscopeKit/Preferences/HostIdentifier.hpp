@@ -1,6 +1,9 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+
+#include "Platform/Coding/Enumeration.hpp"
 
 namespace nimbuscope {
 
@@ -14,5 +17,17 @@ enum class HostIdentifier : std::int64_t {
     temperature,
     api
 };
+
+constexpr auto caseTable(HostIdentifier) {
+    using enum HostIdentifier;
+    using Case = platform::TextCase<HostIdentifier>;
+    return std::array{Case{radar, "radar"},
+                      Case{satellite, "satellite"},
+                      Case{satprecip, "satprecip"},
+                      Case{coverage, "coverage"},
+                      Case{extendedRadar, "extendedRadar"},
+                      Case{temperature, "temperature"},
+                      Case{api, "api"}};
+}
 
 }  // namespace nimbuscope

@@ -1,5 +1,7 @@
 #include "Platform/Linux/Locale_icu.hpp"
 
+#include <unicode/ucal.h>
+#include <unicode/udatpg.h>
 #include <unicode/uloc.h>
 #include <unicode/ulocdata.h>
 #include <unicode/ustring.h>
@@ -7,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <memory>
 
 namespace nimbuscope::platform {
 namespace {
@@ -47,12 +50,29 @@ bool isCountryCode(std::string_view code) {
 
 }  // namespace
 
-ICULocale::ICULocale(std::string_view posixName) : measures_(identifierOf(posixName)), reads_(measures_) {}
+ICULocale::ICULocale(std::string_view posixName)
+    : measures_(identifierOf(posixName)), reads_(measures_), tellsTime_(measures_) {}
 
 ICULocale ICULocale::ofUser() {
     ICULocale locale(userChoice("LC_MEASUREMENT"));
     locale.reads_ = identifierOf(userChoice("LC_MESSAGES"));
+    locale.tellsTime_ = identifierOf(userChoice("LC_TIME"));
     return locale;
+}
+
+std::string ICULocale::identifier() const {
+    return reads_.empty() ? "en_US_POSIX" : reads_;
+}
+
+bool ICULocale::uses12HourClock() const {
+    if (tellsTime_.empty()) {
+        return false;
+    }
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UDateTimePatternGenerator, decltype(&udatpg_close)> generator(
+        udatpg_open(tellsTime_.c_str(), &status), &udatpg_close);
+    const UDateFormatHourCycle cycle = udatpg_getDefaultHourCycle(generator.get(), &status);
+    return U_SUCCESS(status) && (cycle == UDAT_HOUR_CYCLE_11 || cycle == UDAT_HOUR_CYCLE_12);
 }
 
 bool ICULocale::usesMetricSystem() const {
@@ -80,6 +100,14 @@ std::optional<std::string> ICULocale::displayNameOfCountry(std::string_view code
     std::array<char, 8> capitals{};
     uloc_getCountry(locale.c_str(), capitals.data(), capitals.size(), &status);
     return U_SUCCESS(status) && text == capitals.data() ? std::nullopt : text;
+}
+
+std::string ICUTimeZone::identifier() const {
+    std::array<UChar, 256> name;
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t length = ucal_getHostTimeZone(name.data(), name.size(), &status);
+    const auto text = U_SUCCESS(status) ? utf8Of(name.data(), length) : std::nullopt;
+    return text.value_or("Etc/UTC");
 }
 
 }  // namespace nimbuscope::platform

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "Platform/Locale/Locale.hpp"
+#include "Platform/Locale/TimeZone.hpp"
 
 namespace nimbuscope::platform {
 
@@ -15,9 +16,16 @@ class ICULocale final : public Locale {
     explicit ICULocale(std::string_view posixName);
 
     /// The locale of the user, who measures by the first of `LC_ALL`, `LC_MEASUREMENT` and `LANG` that is set
-    /// and not empty, and reads by the first of `LC_ALL`, `LC_MESSAGES` and `LANG`. Reads the environment,
-    /// which no other thread may change meanwhile.
+    /// and not empty, reads by the first of `LC_ALL`, `LC_MESSAGES` and `LANG`, and tells the time by the
+    /// first of `LC_ALL`, `LC_TIME` and `LANG`. Reads the environment, which no other thread may change
+    /// meanwhile.
     [[nodiscard]] static ICULocale ofUser();
+
+    /// That which the user reads by; "en_US_POSIX" for no region.
+    [[nodiscard]] std::string identifier() const override;
+
+    /// By the preferred hour cycle of the region; 24 hours for no region.
+    [[nodiscard]] bool uses12HourClock() const override;
 
     [[nodiscard]] bool usesMetricSystem() const override;
 
@@ -29,6 +37,13 @@ class ICULocale final : public Locale {
     // Language and region: "de_CH"; empty for no region.
     std::string measures_;
     std::string reads_;
+    std::string tellsTime_;
+};
+
+/// The time zone that the environment variable `TZ` or the system's settings name.
+class ICUTimeZone final : public TimeZone {
+  public:
+    [[nodiscard]] std::string identifier() const override;
 };
 
 }  // namespace nimbuscope::platform

@@ -13,6 +13,7 @@
 #include "Platform/Core/Fatal.hpp"
 #include "Platform/Core/UUID.hpp"
 #include "Platform/Linux/SQLite.hpp"
+#include "Platform/Linux/StoreDirectory.hpp"
 #include "Platform/Linux/StoredValue_sqlite.hpp"
 
 namespace nimbuscope::platform {
@@ -329,22 +330,6 @@ DefaultsResult<void> SQLiteUserDefaults::run(SQLiteStatement& statement) const {
         return error(done.error());
     }
     return {};
-}
-
-/// Makes the directory and those above it that are missing, for their owner alone; the error's text, or none.
-std::optional<std::string> makeDirectories(const std::filesystem::path& directory) {
-    std::filesystem::path made;
-    for (const auto& part : directory) {
-        made /= part;
-        if (::mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST && errno != EISDIR) {
-            return std::generic_category().message(errno);
-        }
-    }
-    struct stat information{};
-    if (stat(directory.c_str(), &information) != 0 || !S_ISDIR(information.st_mode)) {
-        return std::generic_category().message(ENOTDIR);
-    }
-    return std::nullopt;
 }
 
 }  // namespace

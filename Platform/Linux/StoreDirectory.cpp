@@ -1,7 +1,11 @@
 #include "Platform/Linux/StoreDirectory.hpp"
 
+#include <sys/stat.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <string_view>
+#include <system_error>
 
 namespace nimbuscope::platform {
 namespace {
@@ -12,19 +16,41 @@ std::string_view environment(const char* name) {
     return value != nullptr ? value : "";
 }
 
+/// What belongs to this system below the place that `variable` names, or else below `fallback` at home.
+std::string placeOf(const char* variable, std::string_view fallback) {
+    if (const auto place = environment(variable); place.starts_with('/')) {
+        return std::string(place) + "/nimbuscope";
+    }
+    if (const auto home = environment("HOME"); !home.empty()) {
+        return std::string(home) + std::string(fallback) + "/nimbuscope";
+    }
+    return {};
+}
+
 }  // namespace
 
 std::string defaultStoreDirectory() {
-    if (const auto store = environment("NIMBUSCOPE_STORE"); !store.empty()) {
-        return std::string(store);
+    const auto store = environment("NIMBUSCOPE_STORE");
+    return store.empty() ? placeOf("XDG_DATA_HOME", "/.local/share") : std::string(store);
+}
+
+std::string defaultCacheDirectory() {
+    return placeOf("XDG_CACHE_HOME", "/.cache");
+}
+
+std::optional<std::string> makeDirectories(const std::filesystem::path& directory) {
+    std::filesystem::path made;
+    for (const auto& part : directory) {
+        made /= part;
+        if (::mkdir(made.c_str(), S_IRWXU) != 0 && errno != EEXIST && errno != EISDIR) {
+            return std::generic_category().message(errno);
+        }
     }
-    if (const auto data = environment("XDG_DATA_HOME"); data.starts_with('/')) {
-        return std::string(data) + "/nimbuscope";
+    struct stat information{};
+    if (stat(directory.c_str(), &information) != 0 || !S_ISDIR(information.st_mode)) {
+        return std::generic_category().message(ENOTDIR);
     }
-    if (const auto home = environment("HOME"); !home.empty()) {
-        return std::string(home) + "/.local/share/nimbuscope";
-    }
-    return {};
+    return std::nullopt;
 }
 
 }  // namespace nimbuscope::platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <optional>
 #include <string>
 
 namespace nimbuscope::platform {
@@ -8,5 +10,12 @@ namespace nimbuscope::platform {
 /// absolute path, as the XDG base directories have it), else in `~/.local/share`. Empty when the environment
 /// names none.
 [[nodiscard]] std::string defaultStoreDirectory();
+
+/// The directory of what can be had again: `nimbuscope` in `$XDG_CACHE_HOME` (an absolute path), else in
+/// `~/.cache`. Empty when the environment names none.
+[[nodiscard]] std::string defaultCacheDirectory();
+
+/// Makes the directory and those above it that are missing, for their owner alone; the error's text, or none.
+[[nodiscard]] std::optional<std::string> makeDirectories(const std::filesystem::path& directory);
 
 }  // namespace nimbuscope::platform

@@ -11,6 +11,12 @@ class Locale {
   public:
     virtual ~Locale() = default;
 
+    /// Language and region: "de_CH". Safe from any thread.
+    [[nodiscard]] virtual std::string identifier() const = 0;
+
+    /// Whether clocks show 12 hours, not 24. Safe from any thread.
+    [[nodiscard]] virtual bool uses12HourClock() const = 0;
+
     /// True unless the region measures in miles, inches and degrees Fahrenheit. Safe from any thread.
     [[nodiscard]] virtual bool usesMetricSystem() const = 0;
 

@@ -8,6 +8,8 @@ namespace nimbuscope::testing {
 class FixedLocale final : public platform::Locale {
   public:
     explicit FixedLocale(bool usesMetricSystem) : usesMetricSystem_(usesMetricSystem) {}
+    [[nodiscard]] std::string identifier() const override { return "xx_XA"; }
+    [[nodiscard]] bool uses12HourClock() const override { return !usesMetricSystem_; }
     [[nodiscard]] bool usesMetricSystem() const override { return usesMetricSystem_; }
     [[nodiscard]] std::optional<std::string> displayNameOfCountry(std::string_view code) const override {
         return code == "XA" ? std::optional<std::string>("Testland") : std::nullopt;

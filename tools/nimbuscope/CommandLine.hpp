@@ -59,12 +59,16 @@ class CommandLine {
 };
 
 /// The noun that commands work with, each in a file of its own.
+void addApi(CommandLine& commandLine);
 void addDefaults(CommandLine& commandLine);
+void addHosts(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
 void addMap(CommandLine& commandLine);
+void addMaps(CommandLine& commandLine);
 void addPalette(CommandLine& commandLine);
 void addPlaces(CommandLine& commandLine);
 void addPreferences(CommandLine& commandLine);
+void addSign(CommandLine& commandLine);
 void addTile(CommandLine& commandLine);
 
 /// Verbs of `palette` and `tile` that have files of their own.

@@ -12,5 +12,9 @@ int main(int argumentCount, char** arguments) {
     tool::addPalette(commandLine);
     tool::addTile(commandLine);
     tool::addMap(commandLine);
+    tool::addMaps(commandLine);
+    tool::addApi(commandLine);
+    tool::addHosts(commandLine);
+    tool::addSign(commandLine);
     return commandLine.run(argumentCount, arguments);
 }

@@ -1,0 +1,139 @@
+#include "NimbuscopeKit/Networking/RequestSigner.hpp"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <utility>
+#include <vector>
+
+#include "Platform/URLLoading/URLComponents.hpp"
+
+namespace nimbuscope {
+namespace {
+
+using platform::Bytes;
+using platform::Result;
+using platform::SHA256Digest;
+using platform::URLComponents;
+using platform::URLError;
+
+constexpr std::string_view algorithm = "NB-HMAC-SHA256";
+constexpr std::array<std::string_view, 3> scope{"eu-west-1", "mobile", "nb_request"};
+
+Bytes bytesOf(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+/// Appends the last `width` decimal digits of `number`.
+void appendDigits(std::string& text, unsigned number, unsigned width) {
+    std::array<char, 4> digits{};
+    for (unsigned i = width; i > 0; --i, number /= 10) {
+        digits[i - 1] = static_cast<char>('0' + number % 10);
+    }
+    text.append(digits.data(), width);
+}
+
+/// "20240307T091502Z" in the Gregorian calendar and Coordinated Universal Time, whatever the locale.
+std::string timestamp(RequestSigner::Instant now) {
+    const auto seconds = std::chrono::floor<std::chrono::seconds>(now);
+    const auto day = std::chrono::floor<std::chrono::days>(seconds);
+    const std::chrono::year_month_day date(day);
+    const std::chrono::hh_mm_ss time(seconds - day);
+    std::string text;
+    appendDigits(text, static_cast<unsigned>(static_cast<int>(date.year())), 4);
+    appendDigits(text, static_cast<unsigned>(date.month()), 2);
+    appendDigits(text, static_cast<unsigned>(date.day()), 2);
+    text += 'T';
+    appendDigits(text, static_cast<unsigned>(time.hours().count()), 2);
+    appendDigits(text, static_cast<unsigned>(time.minutes().count()), 2);
+    appendDigits(text, static_cast<unsigned>(time.seconds().count()), 2);
+    return text += 'Z';
+}
+
+std::string hexadecimal(const SHA256Digest& digest) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string text;
+    text.reserve(2 * digest.size());
+    for (const std::uint8_t byte : digest) {
+        text += digits[byte >> 4U];
+        text += digits[byte & 0x0FU];
+    }
+    return text;
+}
+
+template <class Texts>
+std::string joined(const Texts& texts, char separator) {
+    std::string result;
+    for (const auto& text : texts) {
+        if (&text != &*std::begin(texts)) {
+            result += separator;
+        }
+        result += text;
+    }
+    return result;
+}
+
+std::string canonicalQuery(const URLComponents& components) {
+    auto items = components.queryItems();
+    std::ranges::stable_sort(items, std::less(), &platform::URLQueryItem::name);
+    std::string query;
+    for (const auto& item : items) {
+        query += (&item == items.data() ? "" : "&") + item.name + '=' + item.value.value_or("");
+    }
+    return query;
+}
+
+}  // namespace
+
+platform::HTTPHeaders RequestSignature::headers() const {
+    return {{"X-Nb-Algorithm", algorithm},
+            {"X-Nb-Credential", credential},
+            {"X-Nb-Date", date},
+            {"X-Nb-SignedHeaders", signedHeaders},
+            {"X-Nb-Signature", signature}};
+}
+
+Result<std::string, URLError> canonicalRequest(std::string_view method, std::string_view url) {
+    const auto components = URLComponents::parse(url);
+    if (!components) {
+        return std::unexpected(components.error());
+    }
+    return joined(
+        std::array{std::string(method), platform::addingPercentEncodingForPath(components->path()),
+                   canonicalQuery(*components), "host:" + components->host, std::string("UNSIGNED-PAYLOAD")},
+        '\n');
+}
+
+Result<RequestSignature, URLError> RequestSigner::sign(const platform::URLRequest& request,
+                                                       std::span<const std::string_view> signedHeaders,
+                                                       std::string_view key, std::string_view secret,
+                                                       Instant now) {
+    const auto canonical = canonicalRequest(request.httpMethod, request.url);
+    if (!canonical) {
+        return std::unexpected(canonical.error());
+    }
+    const std::string time = timestamp(now);
+    const std::string_view day = std::string_view(time).substr(0, 8);
+    const std::string dayAndScope = std::string(day) + '/' + joined(scope, '/');
+    const std::string stringToSign = joined(
+        std::array{std::string(algorithm), time, dayAndScope, hexadecimal(sha256_.hash(bytesOf(*canonical)))},
+        '\n');
+    const SHA256Digest signature = sha256_.hmac(signingKey(secret, day), bytesOf(stringToSign));
+    std::vector<std::string_view> names(signedHeaders.begin(), signedHeaders.end());
+    std::ranges::sort(names);
+    return RequestSignature{.algorithm = std::string(algorithm),
+                            .credential = std::string(key) + '/' + dayAndScope,
+                            .date = time,
+                            .signedHeaders = joined(names, ','),
+                            .signature = hexadecimal(signature)};
+}
+
+SHA256Digest RequestSigner::signingKey(std::string_view secret, std::string_view day) {
+    SHA256Digest key = sha256_.hmac(bytesOf("NB" + std::string(secret)), bytesOf(day));
+    for (const std::string_view part : scope) {
+        key = sha256_.hmac(key, bytesOf(part));
+    }
+    return key;
+}
+
+}  // namespace nimbuscope

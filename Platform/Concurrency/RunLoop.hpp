@@ -1,0 +1,44 @@
+#pragma once
+
+#include <asio/executor_work_guard.hpp>
+#include <asio/io_context.hpp>
+#include <asio/steady_timer.hpp>
+#include <memory>
+
+#include "Platform/Concurrency/DispatchQueue.hpp"
+#include "Platform/Concurrency/Timer.hpp"
+
+namespace nimbuscope::platform {
+
+/// A thread's loop: the queue of its work, and its timers.
+class RunLoop : public DispatchQueue {
+  public:
+    /// Lets `timer` fire on the loop's thread from one interval after now. Any thread.
+    virtual void add(std::shared_ptr<Timer> timer) = 0;
+};
+
+/// The run loop of a program's first thread.
+class MainRunLoop final : public RunLoop {
+  public:
+    MainRunLoop();
+
+    void async(Work work) override;
+    void asyncAfter(std::chrono::nanoseconds delay, Work work) override;
+    void add(std::shared_ptr<Timer> timer) override;
+
+    /// Runs work and timers on the calling thread until `stop`. May be called again.
+    void run();
+
+    /// Makes `run` return after the work at hand. Any thread.
+    void stop();
+
+  private:
+    void wakeUpForTimers();
+
+    asio::io_context context_{1};
+    asio::executor_work_guard<asio::io_context::executor_type> guard_;
+    asio::steady_timer wakeUp_;
+    TimerSchedule timers_;  // on the loop's thread alone
+};
+
+}  // namespace nimbuscope::platform

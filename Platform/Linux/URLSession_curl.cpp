@@ -1,0 +1,236 @@
+#include "Platform/Linux/URLSession_curl.hpp"
+
+#include <pthread.h>
+
+#include <algorithm>
+#include <csignal>
+#include <mutex>
+#include <thread>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "Platform/Core/Fatal.hpp"
+#include "Platform/Linux/URLTransfer_curl.hpp"
+
+namespace nimbuscope::platform {
+namespace {
+
+using Instant = URLTransfer::Instant;
+
+constexpr long connectionsPerHost = 6;
+constexpr long keptConnections = 24;
+constexpr std::size_t keptHandles = 64;
+
+class CurlURLSession final : public URLSession {
+  public:
+    explicit CurlURLSession(URLSessionConfiguration configuration)
+        : configuration_(std::move(configuration)),
+          trust_(TrustStore::load(configuration_.additionalAuthorities)) {
+        precondition(multi_ != nullptr, "libcurl makes no multi handle");
+        curl_multi_setopt(multi_.get(), CURLMOPT_MAX_HOST_CONNECTIONS, connectionsPerHost);
+        curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, keptConnections);
+        worker_ = std::thread([this] { run(); });
+    }
+
+    ~CurlURLSession() override {
+        {
+            const std::lock_guard lock(mutex_);
+            isStopping_ = true;
+        }
+        curl_multi_wakeup(multi_.get());
+        worker_.join();
+    }
+    CurlURLSession(const CurlURLSession&) = delete;
+    CurlURLSession& operator=(const CurlURLSession&) = delete;
+
+    void dataTask(URLRequest request, URLSessionHandler handler) override;
+
+    [[nodiscard]] const URLSessionConfiguration& configuration() const override { return configuration_; }
+
+  private:
+    struct Waiting {
+        URLTransfer::Prepared prepared;
+        URLSessionHandler handler;
+    };
+    struct MultiCleanup {
+        void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+    };
+
+    void run();
+    [[nodiscard]] bool startWaiting();
+    void start(Waiting waiting);
+    void finishEnded();
+    void finishOverdue();
+    void finish(URLTransfer& transfer, CURLcode outcome);
+    void cancelAll();
+    [[nodiscard]] int millisecondsToWait() const;
+
+    URLSessionConfiguration configuration_;
+    Result<TrustStore, URLError> trust_;
+
+    std::mutex mutex_;
+    std::vector<Waiting> waiting_;  // under the mutex
+    bool isStopping_ = false;       // under the mutex
+
+    // On the worker's thread alone.
+    std::unique_ptr<CURLM, MultiCleanup> multi_{curl_multi_init()};
+    std::unordered_map<CURL*, URLTransfer> transfers_;
+    std::vector<CurlEasy> idleHandles_;
+    Instant nextDeadline_ = Instant::max();  // no transfer's deadline is earlier
+
+    std::thread worker_;
+};
+
+void CurlURLSession::dataTask(URLRequest request, URLSessionHandler handler) {
+    auto prepared = URLTransfer::prepare(std::move(request));
+    if (!prepared || !trust_) {
+        handler(std::unexpected(!prepared ? prepared.error() : trust_.error()));
+        return;
+    }
+    {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_back({std::move(*prepared), std::move(handler)});
+    }
+    curl_multi_wakeup(multi_.get());
+}
+
+void CurlURLSession::run() {
+    ::pthread_setname_np(::pthread_self(), "URLSession");
+    // OpenSSL writes to connections that the peer has closed.
+    sigset_t pipe;
+    sigemptyset(&pipe);
+    sigaddset(&pipe, SIGPIPE);
+    ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
+
+    while (startWaiting()) {
+        int running = 0;
+        curl_multi_perform(multi_.get(), &running);
+        finishEnded();
+        finishOverdue();
+        curl_multi_poll(multi_.get(), nullptr, 0, millisecondsToWait(), nullptr);
+    }
+    cancelAll();
+}
+
+/// Starts what was handed over; false when the session ends instead.
+bool CurlURLSession::startWaiting() {
+    std::vector<Waiting> waiting;
+    {
+        const std::lock_guard lock(mutex_);
+        if (isStopping_) {
+            return false;
+        }
+        waiting.swap(waiting_);
+    }
+    for (Waiting& each : waiting) {
+        start(std::move(each));
+    }
+    return true;
+}
+
+void CurlURLSession::start(Waiting waiting) {
+    CurlEasy handle;
+    if (idleHandles_.empty()) {
+        handle.reset(curl_easy_init());
+        precondition(handle != nullptr, "libcurl makes no handle");
+    } else {
+        handle = std::move(idleHandles_.back());
+        idleHandles_.pop_back();
+    }
+    CURL* const key = handle.get();
+    auto [entry, isNew] = transfers_.try_emplace(key, std::move(handle), std::move(waiting.prepared),
+                                                 std::move(waiting.handler), configuration_, *trust_);
+    nextDeadline_ = std::min(nextDeadline_, entry->second.earliestDeadline(std::chrono::steady_clock::now()));
+    const CURLMcode added = curl_multi_add_handle(multi_.get(), key);
+    precondition(added == CURLM_OK, "libcurl does not take a transfer");
+}
+
+void CurlURLSession::finishEnded() {
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
+        if (message->msg == CURLMSG_DONE) {
+            const CURLcode outcome = message->data.result;
+            finish(transfers_.at(message->easy_handle), outcome);
+        }
+    }
+}
+
+/// Deadlines move with every byte; looking at them is put off until one can have passed.
+void CurlURLSession::finishOverdue() {
+    const Instant now = std::chrono::steady_clock::now();
+    if (now < nextDeadline_) {
+        return;
+    }
+    std::vector<URLTransfer*> overdue;
+    nextDeadline_ = Instant::max();
+    for (auto& [handle, transfer] : transfers_) {
+        if (transfer.deadline() <= now) {
+            overdue.push_back(&transfer);
+        } else {
+            nextDeadline_ = std::min(nextDeadline_, transfer.earliestDeadline(now));
+        }
+    }
+    for (URLTransfer* transfer : overdue) {
+        finish(*transfer, CURLE_OPERATION_TIMEDOUT);
+    }
+}
+
+void CurlURLSession::finish(URLTransfer& transfer, CURLcode outcome) {
+    CURL* const key = transfer.handle();
+    curl_multi_remove_handle(multi_.get(), key);
+    auto result = transfer.result(outcome);
+    auto handler = transfer.takeHandler();
+    CurlEasy handle = transfer.takeHandle();
+    transfers_.erase(key);
+    if (idleHandles_.size() < keptHandles) {
+        curl_easy_reset(key);
+        idleHandles_.push_back(std::move(handle));
+    }
+    handler(std::move(result));
+}
+
+/// Handlers may ask for more while they are told; that is cancelled as well.
+void CurlURLSession::cancelAll() {
+    const URLError cancelled{URLError::Code::cancelled, {"nimbuscope.url", 3, "the session has ended"}};
+    std::vector<URLSessionHandler> handlers;
+    for (auto& [handle, transfer] : transfers_) {
+        curl_multi_remove_handle(multi_.get(), handle);
+        handlers.push_back(transfer.takeHandler());
+    }
+    transfers_.clear();
+    for (;;) {
+        {
+            const std::lock_guard lock(mutex_);
+            for (Waiting& each : std::exchange(waiting_, {})) {
+                handlers.push_back(std::move(each.handler));
+            }
+        }
+        if (handlers.empty()) {
+            return;
+        }
+        for (URLSessionHandler& handler : std::exchange(handlers, {})) {
+            handler(std::unexpected(cancelled));
+        }
+    }
+}
+
+int CurlURLSession::millisecondsToWait() const {
+    constexpr std::chrono::milliseconds longest{60'000};
+    if (nextDeadline_ == Instant::max()) {
+        return static_cast<int>(longest.count());
+    }
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(nextDeadline_ - std::chrono::steady_clock::now());
+    return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), longest).count());
+}
+
+}  // namespace
+
+std::unique_ptr<URLSession> makeCurlURLSession(URLSessionConfiguration configuration) {
+    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+    precondition(initialised == CURLE_OK, "libcurl cannot be used");
+    return std::make_unique<CurlURLSession>(std::move(configuration));
+}
+
+}  // namespace nimbuscope::platform

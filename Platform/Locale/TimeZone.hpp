@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace nimbuscope::platform {
+
+/// The offset of civil time in some region.
+class TimeZone {
+  public:
+    virtual ~TimeZone() = default;
+
+    /// Its name in the time zone database: "Europe/Lisbon". Safe from any thread.
+    [[nodiscard]] virtual std::string identifier() const = 0;
+};
+
+}  // namespace nimbuscope::platform

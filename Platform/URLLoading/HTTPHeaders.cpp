@@ -1,0 +1,46 @@
+#include "Platform/URLLoading/HTTPHeaders.hpp"
+
+#include <algorithm>
+
+namespace nimbuscope::platform {
+namespace {
+
+char lowerCase(char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + ('a' - 'A')) : character;
+}
+
+}  // namespace
+
+bool equalsIgnoringCase(std::string_view left, std::string_view right) {
+    return std::ranges::equal(left, right, {}, lowerCase, lowerCase);
+}
+
+std::optional<std::string> HTTPHeaders::value(std::string_view name) const {
+    std::optional<std::string> joined;
+    for (const Field& field : fields_) {
+        if (equalsIgnoringCase(field.name, name)) {
+            joined = joined ? *joined + ", " + field.value : field.value;
+        }
+    }
+    return joined;
+}
+
+bool HTTPHeaders::contains(std::string_view name) const {
+    return std::ranges::any_of(fields_,
+                               [&](const Field& field) { return equalsIgnoringCase(field.name, name); });
+}
+
+void HTTPHeaders::set(std::string_view name, std::string_view value) {
+    remove(name);
+    add(name, value);
+}
+
+void HTTPHeaders::add(std::string_view name, std::string_view value) {
+    fields_.push_back({std::string(name), std::string(value)});
+}
+
+void HTTPHeaders::remove(std::string_view name) {
+    std::erase_if(fields_, [&](const Field& field) { return equalsIgnoringCase(field.name, name); });
+}
+
+}  // namespace nimbuscope::platform

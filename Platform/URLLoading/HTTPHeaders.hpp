@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nimbuscope::platform {
+
+/// The fields of an HTTP header section, in order. Names are compared without regard to the case of ASCII
+/// letters and keep the spelling they were given.
+class HTTPHeaders {
+  public:
+    struct Field {
+        std::string name;
+        std::string value;
+        bool operator==(const Field&) const = default;
+    };
+
+    HTTPHeaders() = default;
+    HTTPHeaders(std::initializer_list<Field> fields) : fields_(fields) {}
+
+    /// The value of the field `name`; where it occurs several times, the values in order, joined with ", ".
+    [[nodiscard]] std::optional<std::string> value(std::string_view name) const;
+
+    [[nodiscard]] bool contains(std::string_view name) const;
+
+    /// Puts one field in place of all of that name.
+    void set(std::string_view name, std::string_view value);
+
+    /// Appends a field beside others of that name.
+    void add(std::string_view name, std::string_view value);
+
+    void remove(std::string_view name);
+
+    [[nodiscard]] const std::vector<Field>& fields() const { return fields_; }
+    [[nodiscard]] bool isEmpty() const { return fields_.empty(); }
+
+    bool operator==(const HTTPHeaders&) const = default;
+
+  private:
+    std::vector<Field> fields_;
+};
+
+/// True when two texts differ in nothing but the case of ASCII letters.
+[[nodiscard]] bool equalsIgnoringCase(std::string_view left, std::string_view right);
+
+}  // namespace nimbuscope::platform
