@@ -3,6 +3,7 @@
 #include <httplib.h>
 
 #include <functional>
+#include <future>
 #include <string>
 #include <thread>
 
@@ -20,8 +21,31 @@ class HTTPSPeer {
     using Handler = std::function<void(const httplib::Request&, httplib::Response&)>;
 
     /// Serves up to `connections` clients at once.
-    explicit HTTPSPeer(Handler handler, std::size_t connections = 8);
-    ~HTTPSPeer();
+    explicit HTTPSPeer(const Handler& handler, std::size_t connections = 8)
+        : server_([this](SSL_CTX& context) { return identity_.use(context), true; }) {
+        writeFile(authorityFile(), identity_.authority.pem());
+        std::promise<void> isReady;
+        server_.new_task_queue = [&isReady, connections] {
+            auto* const pool = new httplib::ThreadPool(connections);
+            isReady.set_value();
+            return pool;
+        };
+        server_.set_tcp_nodelay(true);
+        server_.set_keep_alive_max_count(1'000'000);
+        server_.Post(".*", handler);
+        server_.set_pre_routing_handler([handler](const auto& request, auto& response) {
+            using enum httplib::Server::HandlerResponse;
+            const bool hasBodyToRead = request.method == "POST";
+            return hasBodyToRead ? Unhandled : (handler(request, response), Handled);
+        });
+        port_ = server_.bind_to_any_port("127.0.0.1");
+        thread_ = std::thread([this] { server_.listen_after_bind(); });
+        isReady.get_future().wait();
+    }
+    ~HTTPSPeer() {
+        server_.stop();
+        thread_.join();
+    }
     HTTPSPeer(const HTTPSPeer&) = delete;
     HTTPSPeer& operator=(const HTTPSPeer&) = delete;
 

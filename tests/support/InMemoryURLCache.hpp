@@ -1,8 +1,7 @@
 #pragma once
 
-#include <algorithm>
+#include <list>
 #include <mutex>
-#include <vector>
 
 #include "Platform/URLLoading/URLCache.hpp"
 
@@ -15,30 +14,26 @@ class InMemoryURLCache final : public platform::URLCache {
 
     [[nodiscard]] std::optional<platform::CachedURLResponse> cachedResponse(std::string_view url) override {
         const std::lock_guard lock(mutex_);
-        const auto found = std::ranges::find(entries_, url, urlOf);
-        if (found == entries_.end()) {
-            return std::nullopt;
+        for (auto entry = entries_.begin(); entry != entries_.end(); ++entry) {
+            if (entry->response.url == url) {
+                entries_.splice(entries_.begin(), entries_, entry);
+                return *entry;
+            }
         }
-        std::rotate(found, found + 1, entries_.end());
-        return entries_.back();
+        return std::nullopt;
     }
     void storeCachedResponse(const platform::CachedURLResponse& response) override {
         removeCachedResponse(response.response.url);
         const std::lock_guard lock(mutex_);
-        if (response.data.size() > capacity_) {
-            return;
+        if (response.data.size() <= capacity_) {
+            entries_.push_front(response);
+            std::size_t size = 0;
+            entries_.remove_if([&](const auto& entry) { return (size += entry.data.size()) > capacity_; });
         }
-        entries_.push_back(response);
-        std::size_t size = 0;
-        auto kept = entries_.end();
-        while (kept != entries_.begin() && size + (kept - 1)->data.size() <= capacity_) {
-            size += (--kept)->data.size();
-        }
-        entries_.erase(entries_.begin(), kept);
     }
     void removeCachedResponse(std::string_view url) override {
         const std::lock_guard lock(mutex_);
-        std::erase_if(entries_, [&](const auto& entry) { return urlOf(entry) == url; });
+        entries_.remove_if([&](const auto& entry) { return entry.response.url == url; });
     }
     void removeAllCachedResponses() override {
         const std::lock_guard lock(mutex_);
@@ -50,11 +45,9 @@ class InMemoryURLCache final : public platform::URLCache {
     }
 
   private:
-    static std::string_view urlOf(const platform::CachedURLResponse& entry) { return entry.response.url; }
-
     mutable std::mutex mutex_;
     std::size_t capacity_;
-    std::vector<platform::CachedURLResponse> entries_;  // the longest unused first
+    std::list<platform::CachedURLResponse> entries_;  // the last one used first
 };
 
 }  // namespace nimbuscope::testing
