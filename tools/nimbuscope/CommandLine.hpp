@@ -59,7 +59,9 @@ class CommandLine {
 };
 
 /// The noun that commands work with, each in a file of its own.
+void addCatalogue(CommandLine& commandLine);
 void addDefaults(CommandLine& commandLine);
+void addForecast(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
 void addMap(CommandLine& commandLine);
 void addPalette(CommandLine& commandLine);

@@ -12,5 +12,7 @@ int main(int argumentCount, char** arguments) {
     tool::addPalette(commandLine);
     tool::addTile(commandLine);
     tool::addMap(commandLine);
+    tool::addForecast(commandLine);
+    tool::addCatalogue(commandLine);
     return commandLine.run(argumentCount, arguments);
 }
