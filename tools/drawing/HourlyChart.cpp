@@ -1,6 +1,9 @@
 #include "tools/drawing/HourlyChart.hpp"
 
 #include <algorithm>
+#include <array>
+#include <functional>
+#include <numeric>
 #include <span>
 
 #include "tools/drawing/Axis.hpp"
@@ -21,7 +24,7 @@ constexpr RGBA white{255, 255, 255, 255};
 constexpr int plotHeight = 300;
 constexpr int bandHeight = 26;
 constexpr int axisWidth = 56;
-constexpr int top = margin + Glyph::capHeight * titleScale + 10 + textHeight + 40;
+constexpr int top = margin + Glyph::capHeight * titleScale + 10 + textHeight + 48;
 constexpr int headTop = top - textHeight - 16;  // of days and units
 constexpr int bandTop = top + plotHeight + 8;
 constexpr int labelTop = bandTop + bandHeight + tickLength + 4;
@@ -55,6 +58,14 @@ class Plot {
     [[nodiscard]] int width() const { return hourWidth_ * static_cast<int>(hours_.size()); }
     [[nodiscard]] static int left() { return margin + axisWidth; }
     [[nodiscard]] int right() const { return left() + width(); }
+    /// The room that the axis of rates needs on the right.
+    [[nodiscard]] int rateWidth() const {
+        int widest = textWidth(rates_.unit);
+        for (const Tick& tick : ticksOf(rates_, plotHeight)) {
+            widest = std::max(widest, textWidth(tick.label));
+        }
+        return widest + 10;
+    }
     [[nodiscard]] int x(std::size_t hour) const { return left() + hourWidth_ * static_cast<int>(hour); }
     [[nodiscard]] static int y(double value, const Axis& axis) {
         return top + plotHeight - offsetOf(std::clamp(value, axis.from, axis.to), axis, plotHeight);
@@ -109,9 +120,20 @@ void drawHours(Canvas& canvas, const Plot& plot) {
         if (!hour.day.empty()) {
             drawDay(canvas, plot, i);
         }
-        if (!hour.label.empty()) {
+    }
+}
+
+/// The labels of hours, as many as there is room for.
+void drawLabels(Canvas& canvas, const Plot& plot) {
+    constexpr int gap = 14;
+    int free = 0;
+    for (std::size_t i = 0; i < plot.hours().size(); ++i) {
+        const std::string& label = plot.hours()[i].label;
+        const int x = plot.x(i) - textWidth(label) / 2;
+        if (!label.empty() && x >= free) {
             canvas.fill(plot.x(i), bandTop + bandHeight, 1, tickLength, paleInk);
-            canvas.text(plot.x(i) - textWidth(hour.label) / 2, labelTop, textScale, hour.label, ink);
+            canvas.text(x, labelTop, textScale, label, ink);
+            free = x + textWidth(label) + gap;
         }
     }
 }
@@ -142,16 +164,24 @@ void drawBand(Canvas& canvas, const Plot& plot) {
     }
 }
 
-void drawKey(Canvas& canvas, int right) {
-    const std::pair<RGBA, const char*> entries[] = {
-        {amber, "sun"}, {gray, "no sun"}, {blue, "precipitation"}, {barColor, "its rate"}};
-    int x = right;
-    for (auto entry = std::rbegin(entries); entry != std::rend(entries); ++entry) {
-        x -= textWidth(entry->second);
-        canvas.text(x, margin + 4, textScale, entry->second, paleInk);
-        x -= textHeight + 8;
-        canvas.fill(x, margin + 4, textHeight, textHeight, entry->first);
-        x -= 18;
+struct KeyEntry {
+    RGBA color;
+    const char* text;
+
+    [[nodiscard]] int width() const { return textHeight + 8 + textWidth(text) + 18; }
+};
+constexpr std::array key{KeyEntry{amber, "sun"}, KeyEntry{gray, "no sun"}, KeyEntry{blue, "precipitation"},
+                         KeyEntry{barColor, "its rate"}};
+
+int keyWidth() {
+    return std::transform_reduce(key.begin(), key.end(), 0, std::plus(), std::mem_fn(&KeyEntry::width));
+}
+
+void drawKey(Canvas& canvas, int x) {
+    for (const KeyEntry& entry : key) {
+        canvas.fill(x, margin + 4, textHeight, textHeight, entry.color);
+        canvas.text(x + textHeight + 8, margin + 4, textScale, entry.text, paleInk);
+        x += entry.width();
     }
 }
 
@@ -159,16 +189,17 @@ void drawKey(Canvas& canvas, int right) {
 
 platform::RGBAImage drawHourlyChart(const HourlyChart& chart) {
     const Plot plot(chart);
-    const int titleWidth = widthOf(chart.title) * titleScale;
-    const int keyWidth = 420;
-    const int width = std::max({plot.right() + axisWidth + margin, titleWidth + keyWidth + 2 * margin,
-                                textWidth(chart.subtitle) + 2 * margin});
+    const int titleWidth = widthOf(chart.title) * titleScale + margin + keyWidth();
+    const int width =
+        std::max({plot.right() - margin + plot.rateWidth(), titleWidth, textWidth(chart.subtitle)}) +
+        2 * margin;
     Canvas canvas(width, labelTop + textHeight + margin);
     canvas.text(margin, margin, titleScale, chart.title, ink);
     canvas.text(margin, margin + Glyph::capHeight * titleScale + 10, textScale, chart.subtitle, paleInk);
-    drawKey(canvas, width - margin);
+    drawKey(canvas, width - margin - keyWidth());
     drawAxes(canvas, plot);
     drawHours(canvas, plot);
+    drawLabels(canvas, plot);
     drawTemperatures(canvas, plot);
     drawBand(canvas, plot);
     canvas.frame(Plot::left(), top, plot.width(), plotHeight, frameInk);

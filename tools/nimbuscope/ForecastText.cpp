@@ -32,6 +32,14 @@ std::string_view compassPoint(double degrees) {
     return points[static_cast<std::size_t>(turned / step)];
 }
 
+/// A number with some places after the point; short where it is absurdly large.
+std::string number(double value, int places = 0) {
+    constexpr double most = 1e6;
+    const std::string text =
+        std::abs(value) < most ? fmt::format("{:.{}f}", value, places) : fmt::format("{:g}", value);
+    return text == "-0" ? "0" : text;
+}
+
 /// Numbers with their units.
 class Quantities {
   public:
@@ -47,17 +55,13 @@ class Quantities {
 
     [[nodiscard]] double degrees(double celsius) const { return nimbuscope::temperature(units_, celsius); }
     [[nodiscard]] double rateOf(double millimetres) const { return mmToInch(units_, millimetres); }
-    [[nodiscard]] std::string number(double value) const {
-        return fmt::format("{:.0f}", std::round(value) + 0.0);  // no "-0"
-    }
-
     [[nodiscard]] std::string bareTemperature(double celsius) const { return number(degrees(celsius)); }
     /// Nothing for a rate of nothing.
     [[nodiscard]] std::string tableRate(double millimetres) const {
         return millimetres == 0 ? "" : bareRate(millimetres);
     }
     [[nodiscard]] std::string bareRate(double millimetres) const {
-        return fmt::format("{:.{}f}", rateOf(millimetres), isMiles(units_) ? 2 : 1);
+        return number(rateOf(millimetres), isMiles(units_) ? 2 : 1);
     }
     [[nodiscard]] std::string bareSpeed(double kilometres) const {
         return number(nimbuscope::distance(units_, kilometres));
@@ -244,8 +248,8 @@ drawing::HourlyChart hourlyChart(const ApiForecastData& forecast, UnitsPreferenc
     const auto& hours = forecast.hourly.data;
     drawing::HourlyChart chart{
         .title = fmt::format("{:.4f}, {:.4f}", forecast.location.latitude, forecast.location.longitude),
-        .subtitle = fmt::format("{} hours from {} ({})", std::min(hours.size(), drawing::mostChartHours),
-                                clock.text(forecast.currently.time, momentForm), clock.zone()),
+        .subtitle =
+            fmt::format("From {} ({})", clock.text(forecast.currently.time, momentForm), clock.zone()),
         .hours = {},
         .temperatureUnit = {drawing::degreeSign, units == UnitsPreference::Imperial ? 'F' : 'C'},
         .rateUnit = in.rateUnit(),
