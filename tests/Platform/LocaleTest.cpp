@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Linux/Locale_icu.hpp"
+#include "Platform/Linux/TimeZone_icu.hpp"
 
 namespace nimbuscope::testing {
 namespace {
@@ -28,6 +29,21 @@ TEST(ICULocale, namesCountriesInItsLanguage) {
             EXPECT_EQ(name(english, code), std::nullopt) << code;
         }
     }
+}
+
+TEST(ICUTimeZone, knowsByNameHowFarClocksAreAhead) {
+    constexpr std::int64_t winter = 1'768'478'400;  // January 2026
+    constexpr std::int64_t summer = 1'784'116'800;
+    const auto chicago = platform::ICUTimeZone::named("America/Chicago");
+    ASSERT_TRUE(chicago);
+    EXPECT_EQ(chicago->secondsFromGMT(winter), -6 * 3600);
+    EXPECT_EQ(chicago->secondsFromGMT(summer), -5 * 3600);
+    EXPECT_EQ(platform::ICUTimeZone::named("Asia/Kathmandu")->secondsFromGMT(summer), 20700);
+    EXPECT_EQ(platform::ICUTimeZone::named("UTC")->secondsFromGMT(INT64_MIN), 0);
+    for (const std::string name : {"", "Nowhere", "\xFF", "America/Chicag"}) {
+        EXPECT_FALSE(platform::ICUTimeZone::named(name)) << name;
+    }
+    EXPECT_FALSE(platform::ICUTimeZone::named(std::string(1000, 'A')));
 }
 
 }  // namespace

@@ -22,6 +22,9 @@ struct Glyph {
     [[nodiscard]] bool isSet(int column, int row) const;
 };
 
+/// The one sign beyond ASCII that the font has.
+inline constexpr char degreeSign = '\xB0';
+
 /// The glyph of an ASCII letter, figure or sign; that of "?" for what the font does not have.
 [[nodiscard]] const Glyph& glyphOf(char character);
 

@@ -1,6 +1,7 @@
 #include "tools/drawing/Canvas.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 #include "tools/drawing/BitmapFont.hpp"
 
@@ -29,6 +30,28 @@ void Canvas::fill(int x, int y, int width, int height, const RGBA& color) {
     for (int row = y; row < y + height; ++row) {
         for (int column = x; column < x + width; ++column) {
             blend(column, row, color);
+        }
+    }
+}
+
+void Canvas::line(Point from, Point to, double thickness, const RGBA& color) {
+    const double dx = to.x - from.x;
+    const double dy = to.y - from.y;
+    const double square = dx * dx + dy * dy;
+    const double reach = thickness / 2 + 0.5;
+    const auto first = [&](double a, double b) {
+        return static_cast<int>(std::floor(std::min(a, b) - reach));
+    };
+    const auto last = [&](double a, double b) { return static_cast<int>(std::ceil(std::max(a, b) + reach)); };
+    for (int y = first(from.y, to.y); y <= last(from.y, to.y); ++y) {
+        for (int x = first(from.x, to.x); x <= last(from.x, to.x); ++x) {
+            // The distance of the pixel's middle from the line tells how much of the pixel it covers.
+            const double px = x + 0.5 - from.x;
+            const double py = y + 0.5 - from.y;
+            const double along = square > 0 ? std::clamp((px * dx + py * dy) / square, 0.0, 1.0) : 0;
+            const double distance = std::hypot(px - along * dx, py - along * dy);
+            const double cover = std::clamp(reach - distance, 0.0, 1.0);
+            blend(x, y, {color[0], color[1], color[2], static_cast<std::uint8_t>(cover * color[3])});
         }
     }
 }

@@ -8,6 +8,11 @@
 
 namespace nimbuscope::drawing {
 
+struct Point {
+    double x = 0;
+    double y = 0;
+};
+
 /// A white picture to draw on; what lies outside of it is cut off. Coordinates are pixels from the top left.
 class Canvas {
   public:
@@ -18,6 +23,9 @@ class Canvas {
 
     /// Lays a colour over a rectangle; its alpha mixes it with what is there.
     void fill(int x, int y, int width, int height, const RGBA& color);
+
+    /// A straight line with round ends and smooth edges.
+    void line(Point from, Point to, double thickness, const RGBA& color);
 
     /// The pattern of light squares that stands for transparency.
     void checker(int x, int y, int width, int height);

@@ -2,20 +2,15 @@
 
 #include <algorithm>
 
-#include "tools/drawing/BitmapFont.hpp"
 #include "tools/drawing/Canvas.hpp"
+#include "tools/drawing/Style.hpp"
 
 namespace nimbuscope::drawing {
 namespace {
 
 using platform::RGBAImage;
 
-constexpr RGBA ink{38, 44, 52, 255};
 constexpr RGBA land{236, 238, 233, 255};
-constexpr RGBA frameInk{150, 156, 164, 255};
-
-constexpr int margin = 20;
-constexpr int titleScale = 3;
 constexpr int titleHeight = Glyph::capHeight * titleScale + 14;
 
 int widthOf(const RGBAImage& image) {

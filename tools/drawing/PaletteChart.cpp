@@ -1,56 +1,15 @@
 #include "tools/drawing/PaletteChart.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
 
-#include "tools/drawing/BitmapFont.hpp"
+#include "tools/drawing/Style.hpp"
 
 namespace nimbuscope::drawing {
 namespace {
 
-constexpr RGBA ink{38, 44, 52, 255};
-constexpr RGBA paleInk{104, 112, 122, 255};
-constexpr RGBA frameInk{150, 156, 164, 255};
-
-constexpr int textScale = 2;
-constexpr int titleScale = 3;
-constexpr int margin = 20;
-constexpr int tickLength = 6;
 constexpr int stripLength = 768;
-constexpr int textHeight = Glyph::capHeight * textScale;
 constexpr std::size_t sectionEntries = 128;
-
-int textWidth(const std::string& text) {
-    return widthOf(text) * textScale;
-}
-
-std::string labelOf(double value) {
-    std::array<char, 32> text{};
-    const int size = std::snprintf(text.data(), text.size(), "%g", value == 0 ? 0.0 : value);
-    return {text.data(), static_cast<std::size_t>(size)};
-}
-
-struct Tick {
-    int offset;  ///< pixels from the beginning of the strip
-    std::string label;
-};
-
-std::vector<Tick> ticksOf(const Axis& axis, int length) {
-    std::vector<Tick> ticks;
-    const double span = axis.to - axis.from;
-    if (!(span > 0) || !(axis.step > 0)) {
-        return ticks;
-    }
-    const double tolerance = span * 1e-9;
-    for (double i = std::ceil((axis.from - tolerance) / axis.step); i * axis.step <= axis.to + tolerance;
-         ++i) {
-        const double value = i * axis.step;
-        ticks.push_back({static_cast<int>(std::lround((value - axis.from) / span * length)), labelOf(value)});
-    }
-    return ticks;
-}
 
 void drawTicksBelow(Canvas& canvas, int x, int y, const Axis& axis, int length) {
     for (const Tick& tick : ticksOf(axis, length)) {
@@ -165,20 +124,6 @@ platform::RGBAImage drawLegend(const platform::CAGradientLayer& layer, GradientD
         drawTicksBeside(canvas, margin + thickness + 1, top, axis, length);
     }
     return canvas.image();
-}
-
-double labelStep(double from, double to, int count) {
-    const double least = (to - from) / count;
-    if (!(least > 0) || !std::isfinite(least)) {
-        return 1;
-    }
-    const double power = std::pow(10.0, std::floor(std::log10(least)));
-    for (const double factor : {1.0, 2.0, 5.0}) {
-        if (factor * power >= least) {
-            return factor * power;
-        }
-    }
-    return 10 * power;
 }
 
 Chart schemeChart(const ColorScheme& scheme, std::string title, std::string subtitle) {

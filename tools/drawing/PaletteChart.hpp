@@ -5,18 +5,10 @@
 
 #include "NimbuscopeKit/RadarImagery/ColorScheme.hpp"
 #include "Platform/Graphics/CAGradientLayer.hpp"
+#include "tools/drawing/Axis.hpp"
 #include "tools/drawing/Canvas.hpp"
 
 namespace nimbuscope::drawing {
-
-/// Values along the side of a strip: `from` at its beginning, `to` at its end, a label at multiples of
-/// `step`.
-struct Axis {
-    double from = 0;
-    double to = 1;
-    double step = 1;
-    std::string unit;
-};
 
 /// A strip of colours, evenly spaced along the axis.
 struct ChartRow {
@@ -40,9 +32,6 @@ struct Chart {
 [[nodiscard]] platform::RGBAImage drawLegend(const platform::CAGradientLayer& layer,
                                              GradientDirection direction, const std::string& title,
                                              const Axis& axis);
-
-/// A distance of labels, 1, 2 or 5 times a power of ten, that gives at most `count` of them on the way.
-[[nodiscard]] double labelStep(double from, double to, int count);
 
 /// The chart of a scheme's table. `title` names the scheme, `subtitle` how it was made.
 [[nodiscard]] Chart schemeChart(const ColorScheme& scheme, std::string title, std::string subtitle);

@@ -60,7 +60,9 @@ class CommandLine {
 
 /// The noun that commands work with, each in a file of its own.
 void addApi(CommandLine& commandLine);
+void addCatalogue(CommandLine& commandLine);
 void addDefaults(CommandLine& commandLine);
+void addForecast(CommandLine& commandLine);
 void addHosts(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
 void addMap(CommandLine& commandLine);

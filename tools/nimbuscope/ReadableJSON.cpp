@@ -1,6 +1,7 @@
 #include "ReadableJSON.hpp"
 
 #include "Platform/Coding/JSONDocument.hpp"
+#include "Platform/Coding/JSONWriter.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -17,11 +18,7 @@ bool isFlat(simdjson::dom::object object) {
 
 std::string scalarText(JSONElement json) {
     std::string_view text;
-    const bool isPlainText =
-        json.get(text) == simdjson::SUCCESS && std::ranges::none_of(text, [](char character) {
-            return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
-        });
-    return isPlainText ? std::string(text) : simdjson::minify(json);
+    return json.get(text) == simdjson::SUCCESS ? readableText(text) : simdjson::minify(json);
 }
 
 void append(std::string& output, JSONElement json, const std::string& indent);
@@ -70,6 +67,15 @@ void append(std::string& output, JSONElement json, const std::string& indent) {
 }
 
 }  // namespace
+
+std::string readableText(std::string_view text) {
+    const bool isPlain = std::ranges::none_of(text, [](char character) {
+        return static_cast<unsigned char>(character) < 0x20 || character == 0x7F;
+    });
+    platform::JSONWriter writer;
+    writer.value(text);
+    return isPlain ? std::string(text) : writer.finish().value_or("");
+}
 
 std::string readableJSON(std::string_view json) {
     platform::JSONDocument document;

@@ -2,19 +2,10 @@
 
 #include <algorithm>
 
+#include "EnglishBundle.hpp"
 #include "NimbuscopeKit/Preferences/ColorSchemePreference.hpp"
 
 namespace nimbuscope::tool {
-namespace {
-
-class EnglishBundle final : public platform::Bundle {
-  public:
-    [[nodiscard]] std::string localizedString(std::string_view key) const override {
-        return std::string(key);
-    }
-};
-
-}  // namespace
 
 std::vector<SchemeTitle> schemeTitles() {
     std::vector<SchemeTitle> titles{{0, "Raw Values"},         {18, "Perceptual"},

@@ -16,5 +16,7 @@ int main(int argumentCount, char** arguments) {
     tool::addApi(commandLine);
     tool::addHosts(commandLine);
     tool::addSign(commandLine);
+    tool::addForecast(commandLine);
+    tool::addCatalogue(commandLine);
     return commandLine.run(argumentCount, arguments);
 }

@@ -1,4 +1,4 @@
-// The noun `places`: the user's saved places.
+// The noun `places`: the user's saved places, and searches for others.
 
 #include <fmt/format.h>
 
@@ -6,7 +6,10 @@
 #include "Files.hpp"
 #include "NimbuscopeIntentHandler/Places/SavedPlaces.hpp"
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
+#include "NimbuscopeKit/RadarCatalogue/ApiPlacesSearch.hpp"
 #include "Platform/Core/UUID.hpp"
+#include "ReadableJSON.hpp"
+#include "Records.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -158,15 +161,50 @@ void addExport(CommandLine& commandLine, CLI::App& noun) {
     verb.add_option("-o,--output", *file, "File to write; standard output by default")->type_name("FILE");
 }
 
+struct SearchOptions {
+    std::string file;
+    bool isJSON = false;
+};
+
+CommandResult<void> search(const SearchOptions& options, std::string& output) {
+    const auto reply = readRecord<ApiPlacesSearch>(options.file);
+    if (!reply) {
+        return std::unexpected(reply.error());
+    }
+    if (options.isJSON) {
+        return printRecord(options.file, *reply, output);
+    }
+    if (reply->code != 0) {
+        output = fmt::format("The server says: {} ({})\n", readableText(reply->message), reply->code);
+    }
+    for (const ApiPlacesSearchItem& item : reply->data) {
+        output += fmt::format("{:>9.4f} {:>9.4f}  {}, {}{}\n", item.location.latitude,
+                              item.location.longitude, readableText(item.name), readableText(item.state),
+                              item.country ? ", " + readableText(*item.country) : "");
+    }
+    return {};
+}
+
+void addSearch(CommandLine& commandLine, CLI::App& noun) {
+    const auto options = std::make_shared<SearchOptions>();
+    auto& verb = commandLine.addVerb(noun, "search", "Prints what a search for places found",
+                                     "nimbuscope places search docs/sample/places-search.json",
+                                     [options](std::string& output) { return search(*options, output); });
+    verb.add_option("FILE", options->file, "Reply of the search endpoint; - for standard input")->required();
+    verb.add_flag("--json", options->isJSON, "Print the record as JSON");
+}
+
 }  // namespace
 
 void addPlaces(CommandLine& commandLine) {
-    auto& noun = commandLine.addNoun("places", "Lists and changes the saved places");
+    auto& noun =
+        commandLine.addNoun("places", "Lists and changes the saved places, and shows what a search found");
     addList(commandLine, noun);
     addImport(commandLine, noun);
     addAdd(commandLine, noun);
     addRemove(commandLine, noun);
     addExport(commandLine, noun);
+    addSearch(commandLine, noun);
 }
 
 }  // namespace nimbuscope::tool
