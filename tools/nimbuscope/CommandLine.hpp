@@ -61,6 +61,7 @@ class CommandLine {
 /// The noun that commands work with, each in a file of its own.
 void addDefaults(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
+void addLocation(CommandLine& commandLine);
 void addMap(CommandLine& commandLine);
 void addPalette(CommandLine& commandLine);
 void addPlaces(CommandLine& commandLine);

@@ -12,5 +12,6 @@ int main(int argumentCount, char** arguments) {
     tool::addPalette(commandLine);
     tool::addTile(commandLine);
     tool::addMap(commandLine);
+    tool::addLocation(commandLine);
     return commandLine.run(argumentCount, arguments);
 }
