@@ -52,8 +52,8 @@ class GeoClueLocationManager final : public CLLocationManager, public GeoClueObs
     [[nodiscard]] bool allowsBackgroundLocationUpdates() const override { return allowsBackground_; }
     void setAllowsBackgroundLocationUpdates(bool isAllowed) override { allowsBackground_ = isAllowed; }
 
-    void requestWhenInUseAuthorization() override { change(isAsking_, true); }
-    void requestAlwaysAuthorization() override { change(isAsking_, true); }
+    void requestWhenInUseAuthorization() override { ask(); }
+    void requestAlwaysAuthorization() override { ask(); }
     void startUpdatingLocation() override { change(isUpdating_, true); }
     void stopUpdatingLocation() override { change(isUpdating_, false); }
     void startMonitoringSignificantLocationChanges() override { change(isMonitoringChanges_, true); }
@@ -64,6 +64,12 @@ class GeoClueLocationManager final : public CLLocationManager, public GeoClueObs
     void change(T& setting, T value) {
         setting = value;
         apply();
+    }
+
+    /// Begins anew even where the service runs: it answers when it starts.
+    void ask() {
+        followed_.reset();
+        change(isAsking_, true);
     }
 
     [[nodiscard]] std::optional<GeoClueRequest> wanted() const {

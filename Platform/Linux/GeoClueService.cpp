@@ -2,6 +2,7 @@
 
 #include <asio/post.hpp>
 #include <cmath>
+#include <exception>
 #include <tuple>
 #include <utility>
 
@@ -128,9 +129,9 @@ GeoClueService::Reply<void> GeoClueService::connect() {
                                         }
                                     });
         return {};
-    } catch (const sdbus::Error& error) {
+    } catch (const std::exception& error) {  // no bus, or no descriptor left to watch it with
         disconnect();
-        return std::unexpected(error);
+        return std::unexpected(sdbus::Error("org.freedesktop.DBus.Error.Failed", error.what()));
     }
 }
 

@@ -91,6 +91,8 @@ TYPED_TEST_P(LocationContract, onlyWhatIsMonitoredIsToldAndEachRequestIsAnswered
     this->world.locate({{2, 2}});
     this->manager.startMonitoringSignificantLocationChanges();
     EXPECT_EQ(this->log.next(), "4");
+    this->manager.requestAlwaysAuthorization();
+    EXPECT_EQ(this->log.next(), "4") << "asked while it runs";
     this->log.whenLocated = [&] {
         this->manager.stopMonitoringSignificantLocationChanges();
         this->manager.setDelegate(nullptr);
