@@ -21,8 +21,8 @@ class FakeLocationManager : public platform::CLLocationManager {
         later([this] { report(isMonitoring() && isKnown_ && status_ != served_); });
     }
     void locate(const platform::CLLocation& location) {
-        later([this, location] {
-            if (isMonitoring() && served_ == Status::authorizedWhenInUse) {
+        later([this, location, isWanted = isMonitoring()] {
+            if (isWanted && isMonitoring() && served_ == Status::authorizedWhenInUse) {
                 location_ = location;
                 delegate_->didUpdateLocations(*this, {&location, 1});
             }

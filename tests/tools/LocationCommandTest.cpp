@@ -29,7 +29,7 @@ TEST_F(LocationCommand, tellsTheStateAndThePositionAndKeepsIt) {
         EXPECT_EQ(call({}).output, "available\n38.5 -9.25 (within 20 m)\n");
         EXPECT_EQ(call({"--json"}).output,
                   R"({"state":"available","location":{"latitude":38.5,"longitude":-9.25,)"
-                  R"("horizontalAccuracy":20.0},"last":{"latitude":38.5,"longitude":-9.25}})"
+                  R"("horizontalAccuracy":20},"last":{"latitude":38.5,"longitude":-9.25}})"
                   "\n");
         loop.stop();
     }
