@@ -1,6 +1,5 @@
 #include "NimbuscopeKit/Preferences/PreferencesServiceImpl.hpp"
 
-#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <utility>
@@ -90,11 +89,11 @@ void PreferencesServiceImpl::set(const PreferenceKey& key) {
 }
 
 void PreferencesServiceImpl::addObserver(std::shared_ptr<PreferencesServiceObserver> observer) {
-    observers_.push_back(std::move(observer));
+    observers_.add(std::move(observer));
 }
 
 void PreferencesServiceImpl::removeObserver(const PreferencesServiceObserver& observer) {
-    std::erase_if(observers_, [&](const auto& held) { return held.get() == &observer; });
+    observers_.remove(observer);
 }
 
 DefaultsResult<bool> PreferencesServiceImpl::isMigrated() const {
@@ -224,13 +223,7 @@ void PreferencesServiceImpl::finishSaving(DefaultsResult<void> saved) {
         track(errorFrom(saved.error()));
         return;
     }
-    // Observers come and go while others are told.
-    const auto told = observers_;
-    for (const auto& observer : told) {
-        if (std::ranges::find(observers_, observer) != observers_.end()) {
-            observer->preferencesDidChange(*this);
-        }
-    }
+    observers_.tell([this](PreferencesServiceObserver& observer) { observer.preferencesDidChange(*this); });
 }
 
 void PreferencesServiceImpl::announceReset(const DecodingError& fault) const {

@@ -3,13 +3,13 @@
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 #include "NimbuscopeKit/Preferences/AppGroup.hpp"
 #include "NimbuscopeKit/Preferences/ErrorTrackingService.hpp"
 #include "NimbuscopeKit/Preferences/PreferencesService.hpp"
 #include "NimbuscopeKit/Preferences/PreferencesServiceError.hpp"
 #include "Platform/Coding/JSONDecoder.hpp"
+#include "Platform/Core/ObserverList.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 #include "Platform/Locale/Locale.hpp"
 
@@ -77,7 +77,7 @@ class PreferencesServiceImpl final : public PreferencesService {
     std::shared_ptr<platform::NSUserDefaults> groupDefaults_;
     std::shared_ptr<ErrorTrackingService> errorTrackingService_;
     std::shared_ptr<const platform::Locale> locale_;
-    std::vector<std::shared_ptr<PreferencesServiceObserver>> observers_;
+    platform::ObserverList<PreferencesServiceObserver> observers_;
     platform::JSONDecoder decoder_;
 };
 

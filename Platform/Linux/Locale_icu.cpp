@@ -1,6 +1,5 @@
 #include "Platform/Linux/Locale_icu.hpp"
 
-#include <unicode/ucal.h>
 #include <unicode/udatpg.h>
 #include <unicode/uloc.h>
 #include <unicode/ulocdata.h>
@@ -100,14 +99,6 @@ std::optional<std::string> ICULocale::displayNameOfCountry(std::string_view code
     std::array<char, 8> capitals{};
     uloc_getCountry(locale.c_str(), capitals.data(), capitals.size(), &status);
     return U_SUCCESS(status) && text == capitals.data() ? std::nullopt : text;
-}
-
-std::string ICUTimeZone::identifier() const {
-    std::array<UChar, 256> name;
-    UErrorCode status = U_ZERO_ERROR;
-    const std::int32_t length = ucal_getHostTimeZone(name.data(), name.size(), &status);
-    const auto text = U_SUCCESS(status) ? utf8Of(name.data(), length) : std::nullopt;
-    return text.value_or("Etc/UTC");
 }
 
 }  // namespace nimbuscope::platform

@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "Platform/Locale/Locale.hpp"
-#include "Platform/Locale/TimeZone.hpp"
 
 namespace nimbuscope::platform {
 
@@ -38,12 +37,6 @@ class ICULocale final : public Locale {
     std::string measures_;
     std::string reads_;
     std::string tellsTime_;
-};
-
-/// The time zone that the environment variable `TZ` or the system's settings name.
-class ICUTimeZone final : public TimeZone {
-  public:
-    [[nodiscard]] std::string identifier() const override;
 };
 
 }  // namespace nimbuscope::platform

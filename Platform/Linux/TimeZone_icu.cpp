@@ -12,6 +12,18 @@ constexpr std::int64_t furthest = 3'155'760'000'000;  // seconds in 100,000 year
 
 }  // namespace
 
+ICUTimeZone ICUTimeZone::current() {
+    std::array<UChar, 256> name;
+    UErrorCode status = U_ZERO_ERROR;
+    const std::int32_t length = ucal_getHostTimeZone(name.data(), name.size(), &status);
+    std::string identifier;
+    for (std::int32_t i = 0; U_SUCCESS(status) && i < length; ++i) {
+        identifier += static_cast<char>(name[static_cast<std::size_t>(i)]);  // names are ASCII
+    }
+    auto zone = named(identifier);
+    return zone ? std::move(*zone) : *named("Etc/UTC");
+}
+
 std::optional<ICUTimeZone> ICUTimeZone::named(std::string_view name) {
     std::array<UChar, 64> identifier;  // the longest name has 32 letters, all of them ASCII
     if (name.size() > identifier.size()) {
@@ -24,7 +36,7 @@ std::optional<ICUTimeZone> ICUTimeZone::named(std::string_view name) {
     ucal_getCanonicalTimeZoneID(identifier.data(), size, canonical.data(), canonical.size(), nullptr,
                                 &status);
     Calendar calendar(ucal_open(identifier.data(), size, "", UCAL_GREGORIAN, &status), ucal_close);
-    return U_SUCCESS(status) ? std::optional(ICUTimeZone(std::move(calendar))) : std::nullopt;
+    return U_SUCCESS(status) ? std::optional(ICUTimeZone(name, std::move(calendar))) : std::nullopt;
 }
 
 std::int64_t ICUTimeZone::secondsFromGMT(std::int64_t time) const {

@@ -111,4 +111,33 @@ Outcome run(const std::vector<std::string>& command, const std::string& input,
     return outcome;
 }
 
+BackgroundProcess::BackgroundProcess(std::vector<std::string> command) {
+    command.insert(command.begin(), {"setpriv", "--pdeathsig", "KILL", "--"});
+    const Pipe out;
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, out.ends[1], 1);
+    static_cast<void>(
+        ::posix_spawnp(&child_, command[0].c_str(), &actions, nullptr, pointers(command).data(), environ));
+    posix_spawn_file_actions_destroy(&actions);
+    ::close(out.ends[1]);
+    output_ = out.ends[0];
+}
+
+BackgroundProcess::~BackgroundProcess() {
+    if (child_ > 0) {
+        ::kill(child_, SIGKILL);
+        ::waitpid(child_, nullptr, 0);
+    }
+    ::close(output_);
+}
+
+std::string BackgroundProcess::readLine() const {
+    std::string line;
+    for (char character = 0; ::read(output_, &character, 1) == 1 && character != '\n';) {
+        line += character;
+    }
+    return line;
+}
+
 }  // namespace nimbuscope::testing

@@ -6,6 +6,7 @@
 #include "Platform/Linux/DeviceIdentifier_machineid.hpp"
 #include "Platform/Linux/Locale_icu.hpp"
 #include "Platform/Linux/Security_openssl.hpp"
+#include "Platform/Linux/TimeZone_icu.hpp"
 #include "Platform/Linux/URLSession_curl.hpp"
 
 namespace nimbuscope::tool {
@@ -55,9 +56,9 @@ ApiClient::ApiClient(std::unique_ptr<Hosts> hosts, std::shared_ptr<NSUserDefault
                      const std::string& caFile)
     : hosts_(std::move(hosts)) {
     const auto locale = std::make_shared<ICULocale>(ICULocale::ofUser());
-    userService_ =
-        std::make_shared<UserServiceImpl>(infoDictionary(), locale, std::make_shared<platform::ICUTimeZone>(),
-                                          [group, locale] { return storedUnits(*group, *locale); });
+    userService_ = std::make_shared<UserServiceImpl>(
+        infoDictionary(), locale, std::make_shared<platform::ICUTimeZone>(platform::ICUTimeZone::current()),
+        [group, locale] { return storedUnits(*group, *locale); });
     session_ = platform::makeCurlURLSession({.additionalAuthorities = caFile});
     networking_ = Networking::make({*session_, queue_, main_, clock_, *hosts_, *userService_, errors_.get()},
                                    {group, deviceKey(platform::MachineDeviceIdentifier())});

@@ -65,6 +65,7 @@ void addDefaults(CommandLine& commandLine);
 void addForecast(CommandLine& commandLine);
 void addHosts(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
+void addLocation(CommandLine& commandLine);
 void addMap(CommandLine& commandLine);
 void addMaps(CommandLine& commandLine);
 void addPalette(CommandLine& commandLine);

@@ -18,5 +18,6 @@ int main(int argumentCount, char** arguments) {
     tool::addSign(commandLine);
     tool::addForecast(commandLine);
     tool::addCatalogue(commandLine);
+    tool::addLocation(commandLine);
     return commandLine.run(argumentCount, arguments);
 }

@@ -3,47 +3,22 @@
 #include "CommandLine.hpp"
 #include "Files.hpp"
 #include "NimbuscopeKit/Preferences/Migration.hpp"
-#include "NimbuscopeKit/Preferences/PreferencesServiceImpl.hpp"
 #include "Platform/Coding/JSONEncoder.hpp"
-#include "Platform/Linux/Locale_icu.hpp"
 #include "ReadableJSON.hpp"
+#include "StoredPreferences.hpp"
 
 namespace nimbuscope::tool {
 namespace {
 
-using platform::ICULocale;
-
-/// Keeps the first error of the store. A record that was unreadable is no failure: the service has replaced
-/// it.
-class StoreErrors final : public ErrorTrackingService {
-  public:
-    void track(const platform::NSError& error) override {
-        if (error.domain == PreferencesServiceImpl::storeErrorDomain && !first_) {
-            first_ = CommandError{"preferences", error.localizedDescription};
-        }
-    }
-    [[nodiscard]] const std::optional<CommandError>& first() const { return first_; }
-
-  private:
-    std::optional<CommandError> first_;
-};
-
-/// Runs `work` on the preferences service over the stores that the command line names, and on the group's
-/// store.
+/// Runs `work` on the preferences service, and on what the older settings say.
 template <class Work>
 CommandResult<void> withPreferences(const CommandLine& commandLine, Work work) {
-    const auto standard = commandLine.openStore("");
-    const auto group = commandLine.openStore(std::string(PreferencesServiceImpl::appGroupIdentifier));
-    if (!standard || !group) {
-        return std::unexpected(standard ? group.error() : standard.error());
+    const auto opened = StoredPreferences::open(commandLine);
+    if (!opened) {
+        return std::unexpected(opened.error());
     }
-    const auto locale = std::make_shared<ICULocale>(ICULocale::ofUser());
-    const auto errors = std::make_shared<StoreErrors>();
-    PreferencesServiceImpl service(**standard, *group, errors, locale);
-    if (!errors->first()) {
-        work(service, AppPreferences::fromUserDefaults(**group, *locale));
-    }
-    return errors->first() ? std::unexpected(*errors->first()) : CommandResult<void>{};
+    work(*opened->service(), opened->imported());
+    return opened->outcome();
 }
 
 CommandResult<void> show(const CommandLine& commandLine, bool isJSON, std::string& output) {
