@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <deque>
 #include <mutex>
 #include <thread>
 #include <unordered_map>
@@ -18,7 +19,8 @@ namespace {
 
 using Instant = URLTransfer::Instant;
 
-constexpr long connectionsPerHost = 6;
+// libcurl has such a limit itself, but now and then forgets one of those that wait.
+constexpr int transfersPerServer = 6;
 constexpr long keptConnections = 24;
 constexpr std::size_t keptHandles = 64;
 
@@ -28,7 +30,6 @@ class CurlURLSession final : public URLSession {
         : configuration_(std::move(configuration)),
           trust_(TrustStore::load(configuration_.additionalAuthorities)) {
         precondition(multi_ != nullptr, "libcurl makes no multi handle");
-        curl_multi_setopt(multi_.get(), CURLMOPT_MAX_HOST_CONNECTIONS, connectionsPerHost);
         curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, keptConnections);
         worker_ = std::thread([this] { run(); });
     }
@@ -53,16 +54,31 @@ class CurlURLSession final : public URLSession {
         URLTransfer::Prepared prepared;
         URLSessionHandler handler;
     };
+    struct Server {
+        int underWay = 0;
+        std::deque<Waiting> queued;
+    };
+    struct Entry {
+        Entry(Server& to, CurlEasy handle, Waiting waiting, const URLSessionConfiguration& configuration,
+              const TrustStore& trust)
+            : server(to),
+              transfer(std::move(handle), std::move(waiting.prepared), std::move(waiting.handler),
+                       configuration, trust) {}
+
+        Server& server;
+        URLTransfer transfer;
+    };
     struct MultiCleanup {
         void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
     };
 
     void run();
-    [[nodiscard]] bool startWaiting();
-    void start(Waiting waiting);
+    [[nodiscard]] bool takeWaiting();
+    void startQueued(Server& server);
+    void start(Waiting waiting, Server& server);
     void finishEnded();
     void finishOverdue();
-    void finish(URLTransfer& transfer, CURLcode outcome);
+    void finish(CURL* handle, CURLcode outcome);
     void cancelAll();
     [[nodiscard]] int millisecondsToWait() const;
 
@@ -75,7 +91,8 @@ class CurlURLSession final : public URLSession {
 
     // On the worker's thread alone.
     std::unique_ptr<CURLM, MultiCleanup> multi_{curl_multi_init()};
-    std::unordered_map<CURL*, URLTransfer> transfers_;
+    std::unordered_map<std::string, Server> servers_;  // by host and port
+    std::unordered_map<CURL*, Entry> transfers_;
     std::vector<CurlEasy> idleHandles_;
     Instant nextDeadline_ = Instant::max();  // no transfer's deadline is earlier
 
@@ -103,7 +120,7 @@ void CurlURLSession::run() {
     sigaddset(&pipe, SIGPIPE);
     ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
 
-    while (startWaiting()) {
+    while (takeWaiting()) {
         int running = 0;
         curl_multi_perform(multi_.get(), &running);
         finishEnded();
@@ -113,8 +130,8 @@ void CurlURLSession::run() {
     cancelAll();
 }
 
-/// Starts what was handed over; false when the session ends instead.
-bool CurlURLSession::startWaiting() {
+/// Takes what was handed over and starts what may start; false when the session ends instead.
+bool CurlURLSession::takeWaiting() {
     std::vector<Waiting> waiting;
     {
         const std::lock_guard lock(mutex_);
@@ -124,12 +141,22 @@ bool CurlURLSession::startWaiting() {
         waiting.swap(waiting_);
     }
     for (Waiting& each : waiting) {
-        start(std::move(each));
+        Server& server = servers_[each.prepared.server];
+        server.queued.push_back(std::move(each));
+        startQueued(server);
     }
     return true;
 }
 
-void CurlURLSession::start(Waiting waiting) {
+void CurlURLSession::startQueued(Server& server) {
+    while (!server.queued.empty() && server.underWay < transfersPerServer) {
+        Waiting next = std::move(server.queued.front());
+        server.queued.pop_front();
+        start(std::move(next), server);
+    }
+}
+
+void CurlURLSession::start(Waiting waiting, Server& server) {
     CurlEasy handle;
     if (idleHandles_.empty()) {
         handle.reset(curl_easy_init());
@@ -139,9 +166,11 @@ void CurlURLSession::start(Waiting waiting) {
         idleHandles_.pop_back();
     }
     CURL* const key = handle.get();
-    auto [entry, isNew] = transfers_.try_emplace(key, std::move(handle), std::move(waiting.prepared),
-                                                 std::move(waiting.handler), configuration_, *trust_);
-    nextDeadline_ = std::min(nextDeadline_, entry->second.earliestDeadline(std::chrono::steady_clock::now()));
+    const auto entry =
+        transfers_.try_emplace(key, server, std::move(handle), std::move(waiting), configuration_, *trust_);
+    const URLTransfer& transfer = entry.first->second.transfer;
+    nextDeadline_ = std::min(nextDeadline_, transfer.earliestDeadline(std::chrono::steady_clock::now()));
+    ++server.underWay;
     const CURLMcode added = curl_multi_add_handle(multi_.get(), key);
     precondition(added == CURLM_OK, "libcurl does not take a transfer");
 }
@@ -151,7 +180,7 @@ void CurlURLSession::finishEnded() {
     while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
         if (message->msg == CURLMSG_DONE) {
             const CURLcode outcome = message->data.result;
-            finish(transfers_.at(message->easy_handle), outcome);
+            finish(message->easy_handle, outcome);
         }
     }
 }
@@ -162,31 +191,34 @@ void CurlURLSession::finishOverdue() {
     if (now < nextDeadline_) {
         return;
     }
-    std::vector<URLTransfer*> overdue;
+    std::vector<CURL*> overdue;
     nextDeadline_ = Instant::max();
-    for (auto& [handle, transfer] : transfers_) {
-        if (transfer.deadline() <= now) {
-            overdue.push_back(&transfer);
+    for (const auto& [handle, entry] : transfers_) {
+        if (entry.transfer.deadline() <= now) {
+            overdue.push_back(handle);
         } else {
-            nextDeadline_ = std::min(nextDeadline_, transfer.earliestDeadline(now));
+            nextDeadline_ = std::min(nextDeadline_, entry.transfer.earliestDeadline(now));
         }
     }
-    for (URLTransfer* transfer : overdue) {
-        finish(*transfer, CURLE_OPERATION_TIMEDOUT);
+    for (CURL* handle : overdue) {
+        finish(handle, CURLE_OPERATION_TIMEDOUT);
     }
 }
 
-void CurlURLSession::finish(URLTransfer& transfer, CURLcode outcome) {
-    CURL* const key = transfer.handle();
+void CurlURLSession::finish(CURL* key, CURLcode outcome) {
     curl_multi_remove_handle(multi_.get(), key);
+    auto& [server, transfer] = transfers_.at(key);
     auto result = transfer.result(outcome);
     auto handler = transfer.takeHandler();
     CurlEasy handle = transfer.takeHandle();
+    Server& freed = server;
     transfers_.erase(key);
     if (idleHandles_.size() < keptHandles) {
         curl_easy_reset(key);
         idleHandles_.push_back(std::move(handle));
     }
+    --freed.underWay;
+    startQueued(freed);
     handler(std::move(result));
 }
 
@@ -194,11 +226,17 @@ void CurlURLSession::finish(URLTransfer& transfer, CURLcode outcome) {
 void CurlURLSession::cancelAll() {
     const URLError cancelled{URLError::Code::cancelled, {"nimbuscope.url", 3, "the session has ended"}};
     std::vector<URLSessionHandler> handlers;
-    for (auto& [handle, transfer] : transfers_) {
+    for (auto& [handle, entry] : transfers_) {
         curl_multi_remove_handle(multi_.get(), handle);
-        handlers.push_back(transfer.takeHandler());
+        handlers.push_back(entry.transfer.takeHandler());
     }
     transfers_.clear();
+    for (auto& [name, server] : servers_) {
+        for (Waiting& each : server.queued) {
+            handlers.push_back(std::move(each.handler));
+        }
+    }
+    servers_.clear();
     for (;;) {
         {
             const std::lock_guard lock(mutex_);

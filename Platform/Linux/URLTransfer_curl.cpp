@@ -65,7 +65,8 @@ Result<URLTransfer::Prepared, URLError> URLTransfer::prepare(URLRequest request)
         }
     }
     components->fragment.reset();
-    return Prepared{std::move(request), components->string()};
+    std::string server = components->host + ':' + std::to_string(components->port.value_or(0));
+    return Prepared{std::move(request), components->string(), std::move(server)};
 }
 
 URLTransfer::URLTransfer(CurlEasy handle, Prepared prepared, URLSessionHandler handler,
@@ -79,42 +80,42 @@ URLTransfer::URLTransfer(CurlEasy handle, Prepared prepared, URLSessionHandler h
       idleInterval_(std::min(prepared_.request.timeoutInterval, configuration.timeoutIntervalForRequest)),
       totalDeadline_(std::chrono::steady_clock::now() + configuration.timeoutIntervalForResource) {
     CURL* const curl = handle_.get();
-    setOption(curl, CURLOPT_PRIVATE, this);
     setOption(curl, CURLOPT_ERRORBUFFER, errorText_.data());
+    for (const CURLoption data : {CURLOPT_SSL_CTX_DATA, CURLOPT_HEADERDATA, CURLOPT_WRITEDATA,
+                                  CURLOPT_PREREQDATA, CURLOPT_XFERINFODATA}) {
+        setOption(curl, data, this);
+    }
+    setOption(curl, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(idleInterval_.count()));
+    setUpSession(configuration);
+    setUpRequest();
+    response_.url = prepared_.request.url;
+}
+
+void URLTransfer::setUpSession(const URLSessionConfiguration& configuration) {
+    CURL* const curl = handle_.get();
     setOption(curl, CURLOPT_NOSIGNAL, 1L);
     setOption(curl, CURLOPT_PROTOCOLS_STR, "https");
     setOption(curl, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
     setOption(curl, CURLOPT_PIPEWAIT, 1L);
+    setOption(curl, CURLOPT_PATH_AS_IS, 1L);
     setOption(curl, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     setOption(curl, CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
     setOption(curl, CURLOPT_CAINFO, nullptr);
     setOption(curl, CURLOPT_CAPATH, nullptr);
     setOption(curl, CURLOPT_SSL_CTX_FUNCTION, onTLS);
-    setOption(curl, CURLOPT_SSL_CTX_DATA, this);
     setOption(curl, CURLOPT_HEADERFUNCTION, onHeader);
-    setOption(curl, CURLOPT_HEADERDATA, this);
     setOption(curl, CURLOPT_WRITEFUNCTION, onBody);
-    setOption(curl, CURLOPT_WRITEDATA, this);
     setOption(curl, CURLOPT_PREREQFUNCTION, onConnected);
-    setOption(curl, CURLOPT_PREREQDATA, this);
-    setUpLimits(configuration);
-    setUpRequest();
-    response_.url = prepared_.request.url;
-}
-
-void URLTransfer::setUpLimits(const URLSessionConfiguration& configuration) {
-    CURL* const curl = handle_.get();
-    setOption(curl, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(idleInterval_.count()));
+    setOption(curl, CURLOPT_XFERINFOFUNCTION, onProgress);
     setOption(curl, CURLOPT_LOW_SPEED_LIMIT, static_cast<long>(configuration.lowSpeedLimit));
     setOption(curl, CURLOPT_LOW_SPEED_TIME, static_cast<long>(configuration.lowSpeedTime.count()));
-    setOption(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(maximumBodySize_));
+    setOption(curl, CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(configuration.maximumBodySize));
 }
 
 void URLTransfer::setUpRequest() {
     CURL* const curl = handle_.get();
     const URLRequest& request = prepared_.request;
     setOption(curl, CURLOPT_URL, prepared_.url.c_str());
-    setOption(curl, CURLOPT_PATH_AS_IS, 1L);
     const bool hasBody = request.httpBody.has_value();
     if (hasBody || request.httpMethod == "POST") {
         setOption(curl, CURLOPT_POST, 1L);
@@ -123,8 +124,6 @@ void URLTransfer::setUpRequest() {
         setOption(curl, CURLOPT_POSTFIELDS,
                   hasBody ? reinterpret_cast<const char*>(request.httpBody->data()) : "");
         setOption(curl, CURLOPT_NOPROGRESS, 0L);
-        setOption(curl, CURLOPT_XFERINFOFUNCTION, onProgress);
-        setOption(curl, CURLOPT_XFERINFODATA, this);
     }
     if (request.httpMethod == "HEAD") {
         setOption(curl, CURLOPT_NOBODY, 1L);

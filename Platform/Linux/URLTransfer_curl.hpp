@@ -28,13 +28,15 @@ class URLTransfer {
     /// What libcurl sends for a request, checked.
     struct Prepared {
         URLRequest request;
-        std::string url;  ///< normalised to ASCII and without fragment
+        std::string url;     ///< normalised to ASCII and without fragment
+        std::string server;  ///< host and port
     };
 
     /// Fails with `badURL` or `unsupportedURL`.
     [[nodiscard]] static Result<Prepared, URLError> prepare(URLRequest request);
 
-    /// Sets `handle` up to send `prepared`. `configuration` and `trust` must live as long.
+    /// Sets `handle`, new or reset, up to send `prepared`.
+    /// `configuration` and `trust` must live as long.
     URLTransfer(CurlEasy handle, Prepared prepared, URLSessionHandler handler,
                 const URLSessionConfiguration& configuration, const TrustStore& trust);
     URLTransfer(const URLTransfer&) = delete;
@@ -62,8 +64,8 @@ class URLTransfer {
     static int onConnected(void* transfer, char*, char*, int, int);
     static CURLcode onTLS(CURL*, void* context, void* transfer);
 
+    void setUpSession(const URLSessionConfiguration& configuration);
     void setUpRequest();
-    void setUpLimits(const URLSessionConfiguration& configuration);
     [[nodiscard]] bool takeHeader(std::string_view line);
     [[nodiscard]] bool endHeaders();
     [[nodiscard]] bool takeBody(std::string_view bytes);

@@ -1,6 +1,7 @@
 #include "Platform/URLLoading/URLComponents.hpp"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -17,19 +18,30 @@ bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-/// RFC 3986, unreserved and sub-delims.
-bool isPlain(char character) {
-    return isLetter(character) || isDigit(character) ||
-           std::string_view("-._~!$&'()*+,;=").find(character) != std::string_view::npos;
-}
+/// A set of ASCII characters, made once, that tells membership by a look into a table.
+class CharacterSet {
+  public:
+    constexpr CharacterSet(const CharacterSet& base, std::string_view more) : contains_(base.contains_) {
+        for (const char character : more) {
+            contains_[static_cast<unsigned char>(character)] = true;
+        }
+    }
+    constexpr explicit CharacterSet(std::string_view members) : CharacterSet(CharacterSet(), members) {}
 
-bool isPathCharacter(char character) {
-    return isPlain(character) || character == ':' || character == '@' || character == '/';
-}
+    constexpr bool operator()(char character) const {
+        return contains_[static_cast<unsigned char>(character)];
+    }
 
-bool isQueryCharacter(char character) {
-    return isPathCharacter(character) || character == '?';
-}
+  private:
+    constexpr CharacterSet() = default;
+    std::array<bool, 256> contains_{};
+};
+
+// RFC 3986: unreserved and sub-delims, and what each part adds to them.
+constexpr CharacterSet plain("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~!$&'()*+,;=");
+constexpr CharacterSet isUserCharacter(plain, ":");
+constexpr CharacterSet isPathCharacter(plain, ":@/");
+constexpr CharacterSet isQueryCharacter(isPathCharacter, "?");
 
 std::optional<unsigned> hexadecimalDigit(char character) {
     if (isDigit(character)) {
@@ -51,13 +63,12 @@ std::unexpected<URLError> badURL(std::string reason) {
         URLError{URLError::Code::badURL, {"nimbuscope.url", 1, "the URL " + std::move(reason)}});
 }
 
-bool isUserCharacter(char character) {
-    return isPlain(character) || character == ':';
-}
-
 /// A part that decodes to UTF-8, with everything that a URL cannot hold percent-encoded.
 template <class IsAllowed>
 Result<std::string, URLError> part(std::string_view text, std::string_view name, IsAllowed isAllowed) {
+    if (std::ranges::all_of(text, isAllowed)) {
+        return std::string(text);
+    }
     const auto decoded = removingPercentEncoding(text);
     if (!decoded) {
         return badURL("has an invalid escape in its " + std::string(name));
@@ -237,7 +248,11 @@ std::vector<URLQueryItem> URLComponents::queryItems() const {
 }
 
 std::string URLComponents::string() const {
-    std::string url = scheme + "://";
+    std::string url;
+    url.reserve(scheme.size() + host.size() + percentEncodedPath.size() +
+                (percentEncodedQuery ? percentEncodedQuery->size() : 0) + 32);
+    url += scheme;
+    url += "://";
     if (user) {
         url += *user + '@';
     }

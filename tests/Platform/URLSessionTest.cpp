@@ -51,6 +51,7 @@ TEST_F(URLSession, sendsRequestsAsTheyAre) {
          "GET /\nAccept: */*\nAccept-encoding: x\n"},
         {{.url = peer_.url(), .httpMethod = "POST", .headers = {{"content-type", "x"}}, .httpBody = body},
          "POST /\n" + accept + "Content-Length: 2\ncontent-type: x\n{}"},
+        {{.url = get}, "GET /a/../%2F;x?b=2&a=%C3%A9\n" + accept},
         {{.url = peer_.url(), .httpMethod = "POST"}, "POST /\n" + accept + "Content-Length: 0\n"},
     };
     for (const auto& [request, expected] : cases) {
