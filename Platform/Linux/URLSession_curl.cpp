@@ -208,8 +208,10 @@ void CurlURLSession::finishOverdue() {
 void CurlURLSession::finish(CURL* key, CURLcode outcome) {
     curl_multi_remove_handle(multi_.get(), key);
     auto& [server, transfer] = transfers_.at(key);
+    const bool isRepeating = transfer.shouldRepeat(outcome);
     auto result = transfer.result(outcome);
     auto handler = transfer.takeHandler();
+    auto prepared = transfer.takePrepared();
     CurlEasy handle = transfer.takeHandle();
     Server& freed = server;
     transfers_.erase(key);
@@ -218,8 +220,14 @@ void CurlURLSession::finish(CURL* key, CURLcode outcome) {
         idleHandles_.push_back(std::move(handle));
     }
     --freed.underWay;
+    if (isRepeating) {
+        prepared.isRepeated = true;
+        freed.queued.push_front({std::move(prepared), std::move(handler)});
+    }
     startQueued(freed);
-    handler(std::move(result));
+    if (!isRepeating) {
+        handler(std::move(result));
+    }
 }
 
 /// Handlers may ask for more while they are told; that is cancelled as well.

@@ -66,7 +66,7 @@ Result<URLTransfer::Prepared, URLError> URLTransfer::prepare(URLRequest request)
     }
     components->fragment.reset();
     std::string server = components->host + ':' + std::to_string(components->port.value_or(0));
-    return Prepared{std::move(request), components->string(), std::move(server)};
+    return Prepared{std::move(request), components->string(), std::move(server), false};
 }
 
 URLTransfer::URLTransfer(CurlEasy handle, Prepared prepared, URLSessionHandler handler,
@@ -174,6 +174,13 @@ URLSessionResult URLTransfer::result(CURLcode outcome) {
     }
     auto body = hasBody() ? std::optional(std::move(decoder_->body())) : std::nullopt;
     return URLSessionResponse{std::move(response_), std::move(body)};
+}
+
+bool URLTransfer::shouldRepeat(CURLcode outcome) const {
+    // A server may close a connection at the moment when the next request goes out (RFC 9112).
+    const std::string& method = prepared_.request.httpMethod;
+    return outcome == CURLE_SEND_ERROR && headerSize_ == 0 && !prepared_.isRepeated &&
+           (method == "GET" || method == "HEAD");
 }
 
 bool URLTransfer::hasBody() const {

@@ -30,6 +30,7 @@ class URLTransfer {
         URLRequest request;
         std::string url;     ///< normalised to ASCII and without fragment
         std::string server;  ///< host and port
+        bool isRepeated = false;
     };
 
     /// Fails with `badURL` or `unsupportedURL`.
@@ -53,7 +54,11 @@ class URLTransfer {
     /// Takes the outcome that libcurl reports; to be called once, after the handle left its multi handle.
     [[nodiscard]] URLSessionResult result(CURLcode outcome);
 
+    /// True when the server cannot have begun to answer, and asking it again, once, does no harm.
+    [[nodiscard]] bool shouldRepeat(CURLcode outcome) const;
+
     /// The parts to go on with when the transfer has ended.
+    [[nodiscard]] Prepared takePrepared() { return std::move(prepared_); }
     [[nodiscard]] URLSessionHandler takeHandler() { return std::move(handler_); }
     [[nodiscard]] CurlEasy takeHandle() { return std::move(handle_); }
 
