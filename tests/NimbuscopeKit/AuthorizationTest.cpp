@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "NimbuscopeKit/Networking/Authorization.hpp"
-#include "NimbuscopeKit/Preferences/AppGroup.hpp"
 #include "Platform/Coding/Base64.hpp"
 #include "tests/support/FailingUserDefaults.hpp"
 #include "tests/support/InMemoryUserDefaults.hpp"
@@ -103,22 +102,7 @@ TEST_F(AuthorizationTest, namesTheFirstFaultOfAReplyAndStoresNothing) {
     EXPECT_TRUE(group->dictionaryRepresentation()->empty());
 }
 
-struct NoGroup final : platform::NSUserDefaultsSuites {
-    InMemorySuites inner;
-    platform::DefaultsResult<std::shared_ptr<platform::NSUserDefaults>> suite(
-        std::string_view name) override {
-        return std::unexpected(platform::DefaultsError{.store = std::string(name)});
-    }
-    platform::DefaultsResult<std::shared_ptr<platform::NSUserDefaults>> standard() override {
-        return inner.standard();
-    }
-};
-
-TEST(Authorization, isStoredForTheGroupOrElseForTheProcess) {
-    InMemorySuites suites;
-    EXPECT_EQ(Authorization::openStorage(suites).value(), suites.suite(appGroupIdentifier).value());
-    NoGroup noGroup;
-    EXPECT_EQ(Authorization::openStorage(noGroup).value(), noGroup.standard().value());
+TEST(DeviceKey, isTheDevicesTextOrARandomOne) {
     FixedDevice none;
     EXPECT_EQ(deviceKey(none).size(), 36U);
     EXPECT_NE(deviceKey(none), deviceKey(none));

@@ -16,6 +16,17 @@ TEST(ICULocale, knowsByNameWhereMilesAreUsed) {
     }
 }
 
+TEST(ICULocale, tellsItsNameAndItsClock) {
+    EXPECT_EQ(platform::ICULocale("de_CH.UTF-8@euro").identifier(), "de_CH");
+    EXPECT_EQ(platform::ICULocale("C.UTF-8").identifier(), "en_US_POSIX");
+    for (const char* name : {"en_US.UTF-8", "en_AU", "hi_IN"}) {
+        EXPECT_TRUE(platform::ICULocale(name).uses12HourClock()) << name;
+    }
+    for (const char* name : {"de_DE.UTF-8", "pt_PT", "en_GB", "ja_JP", "C", ""}) {
+        EXPECT_FALSE(platform::ICULocale(name).uses12HourClock()) << name;
+    }
+}
+
 TEST(ICULocale, namesCountriesInItsLanguage) {
     const auto name = [](const char* locale, std::string_view code) {
         return platform::ICULocale(locale).displayNameOfCountry(code);

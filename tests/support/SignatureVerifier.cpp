@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdio>
 #include <regex>
 #include <sstream>
@@ -23,9 +24,9 @@ std::string hmac(const std::string& key, const std::string& text) {
 
 std::string hex(const std::string& bytes) {
     std::string text;
-    for (const unsigned char byte : bytes) {
+    for (const char byte : bytes) {
         std::array<char, 3> digits;
-        std::snprintf(digits.data(), digits.size(), "%02x", byte);
+        std::snprintf(digits.data(), digits.size(), "%02x", static_cast<unsigned char>(byte));
         text += digits.data();
     }
     return text;
