@@ -5,6 +5,7 @@
 #include "NimbuscopeKit/Preferences/PreferencesServiceImpl.hpp"
 #include "Platform/Linux/DeviceIdentifier_machineid.hpp"
 #include "Platform/Linux/Locale_icu.hpp"
+#include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/Security_openssl.hpp"
 #include "Platform/Linux/TimeZone_icu.hpp"
 #include "Platform/Linux/URLSession_curl.hpp"
@@ -44,12 +45,17 @@ CommandResult<std::unique_ptr<Hosts>> openHosts(const CommandLine& commandLine) 
 
 CommandResult<std::unique_ptr<ApiClient>> ApiClient::open(const CommandLine& commandLine,
                                                           const std::string& caFile) {
-    const auto group = commandLine.openStore(std::string(appGroupIdentifier));
+    const auto directory = commandLine.storeDirectory();
     auto hosts = openHosts(commandLine);
-    if (!group || !hosts) {
-        return std::unexpected(group ? hosts.error() : group.error());
+    if (!directory || !hosts) {
+        return std::unexpected(directory ? hosts.error() : directory.error());
     }
-    return std::unique_ptr<ApiClient>(new ApiClient(std::move(*hosts), *group, caFile));
+    platform::SQLiteUserDefaultsSuites suites(*directory);
+    const auto storage = Authorization::openStorage(suites);
+    if (!storage) {
+        return std::unexpected(CommandError{"store", storage.error().message()});
+    }
+    return std::unique_ptr<ApiClient>(new ApiClient(std::move(*hosts), *storage, caFile));
 }
 
 ApiClient::ApiClient(std::unique_ptr<Hosts> hosts, std::shared_ptr<NSUserDefaults> group,
