@@ -13,12 +13,12 @@
 #include "NimbuscopeKit/RadarImagery/RadarColorScheme.hpp"
 #include "support/PNGPeers.hpp"
 #include "support/Ratios.hpp"
-#include "tests/support/Storms.hpp"
+#include "tools/demo/Storms.hpp"
 
 using namespace nimbuscope;
 using namespace nimbuscope::benchmarks;
-using tests::Raster;
-using tests::Storm;
+using demo::Raster;
+using demo::Storm;
 
 namespace {
 
@@ -141,7 +141,7 @@ bool keepsUp(const std::string& name, const std::vector<Raster>& rasters, const 
     double runs = 0;
     for (const Raster& raster : rasters) {
         ring.push_back(tileOf(raster, true));
-        runs += 1 / tests::meanRun(raster);
+        runs += 1 / demo::meanRun(raster);
     }
     const std::size_t side = rasters[0].width;
     Bench bench(side);
@@ -167,7 +167,7 @@ bool keepsUp(const std::string& name, const std::vector<Raster>& rasters, const 
 std::vector<Raster> storms(Storm storm, std::size_t side, std::size_t count) {
     std::vector<Raster> rasters;
     for (std::uint32_t seed = 0; seed < count; ++seed) {
-        rasters.push_back(tests::makeStorm(storm, side, side, seed));
+        rasters.push_back(demo::makeStorm(storm, side, side, seed));
     }
     return rasters;
 }

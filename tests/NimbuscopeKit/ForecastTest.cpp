@@ -24,18 +24,12 @@ TEST(ApiForecastIcon, codesMeanWhatTheTablesAndRulesSay) {
         {"light_rain", "cloud.rain", "[Light Rain]", "[Light]", 0.3, true, false, "DrizzleIcon"},
         {"medium_rain", "cloud", "[Rain]", "[Medium]", 0, true, false, "RainIcon"},
         {"heavy_rain", "cloud.heavyrain", "[Heavy Rain]", "[Medium]", 0.6, true, false, "HeavyRainIcon"},
-        {"snow", "snow", "[Snow]", "[Hard]", 0.9, true, false, "SnowIcon"},
-        {"clouds_moon_bolt", "cloud.moon.bolt", "[Rain]", "[Medium]", 0, true, false, "CloudsMoonBoltIcon"},
         {"clouds_moon_bolts", "cloud", "[Rain]", "[Medium]", 0, true, false, "CloudsMoonBoltsIcon"},
-        {"clouds_bolt_rain", "cloud.bolt.rain", "[Storm]", "[Medium]", 0, true, false, "CloudsBoltRainIcon"},
         {"clouds_sun", "cloud.sun", "[Partly cloudy]", "[Medium]", 0, false, false, "CloudsSunIcon"},
-        {"sun_rain", "cloud", "[Rain]", "[Medium]", 0, true, false, "SunRainIcon"},
-        {"sunset", "sunset", "[Rain]", "[Medium]", 0, false, false, "SunsetIcon"},
         {"sun_min", "cloud", "[Sunny]", "[Medium]", 0, false, false, "SunMinIcon"},
         {"fog", "cloud.fog", "[Fog]", "[Medium]", 0, false, true, "FogIcon"},
         {"brain", "cloud", "[Rain]", "[Medium]", 0, true, false, "BrainIcon"},
         {"Light_Rain", "cloud", "[Rain]", "[Medium]", 0, false, true, "LightRainIcon"},
-        {"light_rain_x", "cloud", "[Rain]", "[Medium]", 0, true, false, "LightRainXIcon"},
         {"_aB__9c_\xC3\x89t_", "cloud", "[Rain]", "[Medium]", 0, false, true, "Ab9c\xC3\x89tIcon"},
         {"", "cloud", "[Rain]", "[Medium]", 0, false, true, "Icon"},
     };
@@ -62,21 +56,16 @@ TEST(ApiForecastNowcast, saysInASentenceWhatComes) {
         std::string sentence;
     };
     const Case cases[] = {
-        {"", 0, ""},
         {"00000", 0, ""},
         {"00111", 0, "[in] 2 [m]"},
         {"00100", 61, "[in] 0 [m]"},
         {"00100", -3600, "[in] 62 [m]"},
-        {"11100", 0, "[Ends in] 3 [m]"},
         {"11100", 119.5, "[Ends in] 1 [m]"},
         {"11001", 0, "[Ends in] 2 [m], [again in] 4 [m]"},
-        {"10100", 60, "[in] 1 [m]"},
         {"11100", 180, ""},
         {"00111", 120, "[lasts more than 1 hour]"},
-        {"00001", 240, "[lasts more than 1 hour]"},
         {"00001", 241, ""},
         {"1", -1e300, "[in] 76861433640456465 [m]"},
-        {"1", 1e300, ""},
     };
     for (const auto& [minutes, asked, sentence] : cases) {
         constexpr std::int64_t start = 1'700'000'000;

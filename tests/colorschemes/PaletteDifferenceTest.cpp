@@ -41,12 +41,11 @@ Vector lab(const Vector& c) {
 }
 
 double degrees(double y, double x) {
-    const double angle = std::atan2(y, x) * 180 / std::numbers::pi;
-    return angle < 0 ? angle + 360 : angle;
+    return std::atan2(y, x) * 180 / std::numbers::pi;
 }
 
-double radians(double angle) {
-    return angle * std::numbers::pi / 180;
+double cosine(double angle) {
+    return std::cos(angle * std::numbers::pi / 180);
 }
 
 /// CIEDE2000 (CIE 142-2001), with the names of Sharma, Wu and Dalal 2005.
@@ -57,23 +56,18 @@ double ciede2000(const Vector& one, const Vector& two) {
     const double c2 = std::hypot(two[1] * g, two[2]);
     const double h1 = degrees(one[2], one[1] * g);
     const double h2 = degrees(two[2], two[1] * g);
-    const bool isGrey = c1 * c2 == 0;
-    double dh = isGrey ? 0 : h2 - h1;
-    dh += dh > 180 ? -360 : dh < -180 ? 360 : 0;
-    double h = h1 + h2;
-    if (!isGrey) {
-        h = std::abs(h1 - h2) <= 180 ? h / 2 : (h + (h < 360 ? 360 : -360)) / 2;
-    }
+    const double dh = std::remainder(h2 - h1, 360);
+    const double h = std::fmod(h1 + dh / 2 + 360, 360);
     const double l = (one[0] + two[0]) / 2 - 50;
     const double c = (c1 + c2) / 2;
-    const double t = 1 - 0.17 * std::cos(radians(h - 30)) + 0.24 * std::cos(radians(2 * h)) +
-                     0.32 * std::cos(radians(3 * h + 6)) - 0.20 * std::cos(radians(4 * h - 63));
+    const double t = 1 - 0.17 * cosine(h - 30) + 0.24 * cosine(2 * h) + 0.32 * cosine(3 * h + 6) -
+                     0.20 * cosine(4 * h - 63);
     const double dL = (two[0] - one[0]) / (1 + 0.015 * l * l / std::sqrt(20 + l * l));
     const double dC = (c2 - c1) / (1 + 0.045 * c);
-    const double dH = 2 * std::sqrt(c1 * c2) * std::sin(radians(dh / 2)) / (1 + 0.015 * c * t);
+    const double dH = 2 * std::sqrt(c1 * c2) * cosine(dh / 2 - 90) / (1 + 0.015 * c * t);
     const double theta = 30 * std::exp(-std::pow((h - 275) / 25, 2));
     const double rc = 2 * std::sqrt(std::pow(c, 7) / (std::pow(c, 7) + std::pow(25.0, 7)));
-    return std::sqrt(dL * dL + dC * dC + dH * dH - std::sin(radians(2 * theta)) * rc * dC * dH);
+    return std::sqrt(dL * dL + dC * dC + dH * dH - cosine(2 * theta - 90) * rc * dC * dH);
 }
 
 TEST(PaletteDifference, agreesWithThePublishedPairs) {
@@ -86,8 +80,7 @@ TEST(PaletteDifference, agreesWithThePublishedPairs) {
 
 TEST(PaletteDifference, rainStepsOfFiveDBZAreToldApart) {
     constexpr double least = 3;
-    // Raw values are 5 grey levels apart; scheme 4 shows one white from 65 to 74 dBZ and one green from 75
-    // on.
+    // Raw values are 5 grey levels apart; scheme 4 shows one white from 65 to 74 dBZ, one green from 75 on.
     const std::map<std::uint32_t, int> tooClose{{0, 17}, {4, 1}};
     alloc_color_schemes();
     std::printf("%8s %10s %14s\n", "palette", "least", "deuteranopia");

@@ -13,20 +13,6 @@ void append(png_structp png, png_bytep bytes, png_size_t count) {
     out.insert(out.end(), bytes, bytes + count);
 }
 
-struct Source {
-    const platform::Data& bytes;
-    std::size_t position = 0;
-};
-
-void take(png_structp png, png_bytep bytes, png_size_t count) {
-    auto& source = *static_cast<Source*>(png_get_io_ptr(png));
-    if (count > source.bytes.size() - source.position) {
-        png_error(png, "end of file");
-    }
-    std::copy_n(&source.bytes[source.position], count, bytes);
-    source.position += count;
-}
-
 void writeExtras(png_structp png, png_infop info, const PNGFile& file) {
     const std::size_t colors = std::size_t{1} << static_cast<unsigned>(std::min(file.depth, 8));
     if (file.colorType == PNG_COLOR_TYPE_PALETTE) {
@@ -83,25 +69,9 @@ platform::Data writePNGFile(const PNGFile& file) {
     return out;
 }
 
-platform::Data readPNGSamples(const platform::Data& file) {
-    Source source{file};
-    png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_set_read_fn(png, &source, take);
-    png_read_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
-    platform::Data samples;
-    const png_bytepp rows = png_get_rows(png, info);
-    for (std::size_t y = 0; y < png_get_image_height(png, info); ++y) {
-        samples.insert(samples.end(), rows[y], rows[y] + png_get_rowbytes(png, info));
-    }
-    png_destroy_read_struct(&png, &info, nullptr);
-    return samples;
-}
-
 platform::Data writeIndices(std::uint32_t width, std::uint32_t height, const platform::Data& indices,
                             int colorType) {
-    PNGFile file{.width = width, .height = height, .colorType = colorType, .samples = indices};
-    return writePNGFile(file);
+    return writePNGFile({.width = width, .height = height, .colorType = colorType, .samples = indices});
 }
 
 }  // namespace nimbuscope::testing

@@ -5,7 +5,7 @@
 
 #include "Platform/Core/Data.hpp"
 
-/// PNG files of every kind, written and read by an independent library at its lowest level.
+/// PNG files of every kind, written by an independent library at its lowest level.
 namespace nimbuscope::testing {
 
 struct PNGFile {
@@ -25,9 +25,6 @@ struct PNGFile {
 
 /// The bytes of the file. Indexed files get a palette of 2^depth colours.
 [[nodiscard]] platform::Data writePNGFile(const PNGFile& file);
-
-/// The samples of a file, without any transformation.
-[[nodiscard]] platform::Data readPNGSamples(const platform::Data& file);
 
 /// A grey or, for `colorType` 3, indexed image of 8-bit indices.
 [[nodiscard]] platform::Data writeIndices(std::uint32_t width, std::uint32_t height,

@@ -1,10 +1,12 @@
-#include "tests/support/Storms.hpp"
+#include "tools/demo/Storms.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <random>
 
-namespace nimbuscope::tests {
+#include "tools/demo/SquallLine.hpp"
+
+namespace nimbuscope::demo {
 namespace {
 
 /// Random numbers that do not depend on how a library makes its distributions.
@@ -144,9 +146,11 @@ Raster makeStorm(Storm storm, std::size_t width, std::size_t height, std::uint32
             addCells(field, dice, 0.17, 60);
             roughen(field, dice, 2);
             addSpeckle(field, dice, 0.006);
+            return rasterOf(field, 1, height / 3);
+        case Storm::squall:
             break;
     }
-    return rasterOf(field, 1, height / 3);
+    return makeSquallLine(width, height, seed);
 }
 
 double meanRun(const Raster& raster) {
@@ -157,4 +161,4 @@ double meanRun(const Raster& raster) {
     return static_cast<double>(raster.indices.size()) / static_cast<double>(runs);
 }
 
-}  // namespace nimbuscope::tests
+}  // namespace nimbuscope::demo
