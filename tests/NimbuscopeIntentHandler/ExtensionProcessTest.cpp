@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
+#include <set>
 #include <sstream>
 
 #include "NimbuscopeIntentHandler/Places/SavedPlaces.hpp"
@@ -12,191 +13,150 @@
 namespace nimbuscope::testing {
 namespace {
 
-const std::string extension = NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler";
-
 std::string call(const std::string& id, const std::string& method, const std::string& intent,
                  const std::string& parameters = "{}") {
     return R"({"jsonrpc":"2.0","id":)" + id + R"(,"method":")" + method +
            R"(","params":{"intent":{"class":")" + intent + R"(","parameters":)" + parameters + "}}}\n";
 }
 
-/// The replies by their id as it stands in the text; what follows the id is the value.
-std::multimap<std::string, std::string> repliesOf(const std::string& output) {
-    std::multimap<std::string, std::string> replies;
-    const std::string start = R"({"jsonrpc":"2.0","id":)";
-    std::istringstream lines(output);
-    for (std::string line; std::getline(lines, line);) {
-        EXPECT_TRUE(line.starts_with(start)) << line;
-        const std::size_t comma = line.find(R"(,")", start.size());
-        replies.emplace(line.substr(start.size(), comma - start.size()),
-                        line.substr(comma + 1, line.size() - comma - 2));
-    }
-    return replies;
+std::string reply(const std::string& id, const std::string& result) {
+    return R"({"jsonrpc":"2.0","id":)" + id + R"(,"result":)" + result + "}\n";
 }
 
-class ExtensionProcess : public ::testing::Test {
-  protected:
-    void SetUp() override {
-        platform::SQLiteUserDefaultsSuites suites(directory_.path());
+struct ExtensionProcess : ::testing::Test {
+    void SetUp() override { store({{.id = "a"}, {.id = "b", .name = "B", .current = true}}); }
+    void store(const std::vector<Place>& places) const {
+        platform::SQLiteUserDefaultsSuites suites(directory.path());
         SharedStorage storage(suites);
-        ASSERT_TRUE(SavedPlaces(storage.groupStorage())
-                        .replace({{.id = "a", .name = "A"}, {.id = "b", .name = "B", .current = true}}));
+        ASSERT_TRUE(SavedPlaces(storage.groupStorage()).replace(places));
     }
-    [[nodiscard]] Outcome serve(const std::string& input) const {
-        return run({extension}, input, {{"NIMBUSCOPE_STORE", directory_.path()}, {"LC_ALL", "C"}});
-    }
-    [[nodiscard]] std::string answer(const std::string& line) const {
-        const Outcome outcome = serve(line);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
-        const auto replies = repliesOf(outcome.output);
-        EXPECT_EQ(replies.size(), 1U) << outcome.output;
-        return replies.empty() ? "" : replies.begin()->second;
+    std::string answer(const std::string& lines) {
+        const Outcome outcome =
+            run({NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler"}, lines,
+                {{"NIMBUSCOPE_STORE", directory.path()}, {"LC_ALL", "C"}});
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(outcome.errors, "");
+        return outcome.output;
     }
 
-    TemporaryDirectory directory_;
+    TemporaryDirectory directory;
 };
 
 TEST_F(ExtensionProcess, answersEveryOperationOfEveryIntent) {
     const std::string somewhere = R"({"location":{"class":"Location","identifier":"x","display":"X"}})";
-    const std::string options =
-        R"("result":{"sections":[{"items":[{"class":"%","identifier":"b","display":"B"},{"class":"%","identifier":"a","display":"A"}]}]})";
-    const auto optionsOf = [&](const std::string& objectClass) {
-        std::string text = options;
-        for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%')) {
-            text.replace(at, 1, objectClass);
-        }
-        return text;
-    };
-    const auto activity = [](const std::string& intent, const std::string& title,
-                             const std::string& userInfo) {
-        return R"("result":{"class":")" + intent +
-               R"(Response","code":2,"userActivity":{"activityType":"SiriShortcut","title":")" + title +
-               R"(","userInfo":{)" + userInfo + "}}}";
-    };
-    struct Case {
-        std::string method, intent, parameters, reply;
-    };
-    const Case cases[] = {
-        {"handler", "CurrentWeatherIntent", "{}", R"("result":{"handler":"CurrentWeatherIntentHandler"})"},
-        {"handler", "ConfigurationIntent", "{}", R"("result":{"handler":"IntentHandler"})"},
-        {"handler", "NoSuchIntent", R"({"location":5})", R"("result":{"handler":"IntentHandler"})"},
-        {"provideLocationOptionsCollection", "WeatherRadarMapIntent", "{}", optionsOf("ForecastLocation")},
-        {"provideLocationOptionsCollection", "SatelliteMapIntent", "{}", optionsOf("Location")},
+    const struct {
+        std::string method, intent, parameters, result;
+    } cases[] = {
+        {"handler", "CurrentWeatherIntent", "{}", R"({"handler":"CurrentWeatherIntentHandler"})"},
+        {"handler", "NoSuchIntent", R"({"location":5})", R"({"handler":"IntentHandler"})"},
+        {"provideLocationOptionsCollection", "SatelliteMapIntent", "{}",
+         R"({"sections":[{"items":[{"class":"Location","identifier":"b","display":"B"},)"
+         R"({"class":"Location","identifier":"a","display":"New Favorite"}]}]})"},
         {"defaultLocation", "WeatherRadarMapIntent", "{}",
-         R"("result":{"class":"ForecastLocation","identifier":"b","display":"B"})"},
+         R"({"class":"ForecastLocation","identifier":"b","display":"B"})"},
         {"defaultMapColorScheme", "WeatherRadarMapIntent", "{}",
-         R"("result":{"class":"MapColorScheme","identifier":"4","display":"Universal Blue","id":4})"},
+         R"({"class":"MapColorScheme","identifier":"4","display":"Universal Blue","id":4})"},
         {"resolveLocation", "WeatherForecastIntent", somewhere,
-         R"("result":{"resolution":"success","value":{"class":"Location","identifier":"x","display":"X"}})"},
-        {"resolveLocation", "RadarMapIntent", R"({"location":null})",
-         R"("result":{"resolution":"needsValue"})"},
-        {"handle", "RadarMapIntent", R"({"location":{"class":"Location","display":"X"}})",
-         activity("RadarMapIntent", "Radar Map", R"("map_layer":"radar","place_id":"")")},
-        {"handle", "SatelliteMapIntent", somewhere,
-         activity("SatelliteMapIntent", "Satellite Map", R"("map_layer":"satellite","place_id":"x")")},
+         R"({"resolution":"success","value":{"class":"Location","identifier":"x","display":"X"}})"},
+        {"resolveLocation", "RadarMapIntent", R"({"location":null})", R"({"resolution":"needsValue"})"},
         {"handle", "WeatherForecastIntent", somewhere,
-         activity("WeatherForecastIntent", "Weather Forecast", R"("place_id":"x")")},
-        {"handle", "CurrentWeatherIntent", somewhere,
-         activity("CurrentWeatherIntent", "Weather Conditions",
-                  R"("forecast_block":"conditions","place_id":"x")")},
+         R"({"class":"WeatherForecastIntentResponse","code":2,"userActivity":{"activityType":"SiriShortcut",)"
+         R"("title":"Weather Forecast","userInfo":{"place_id":"x"}}})"},
         {"handle", "CurrentWeatherIntent", "{}",
-         R"("result":{"class":"CurrentWeatherIntentResponse","code":5,"userActivity":null})"},
+         R"({"class":"CurrentWeatherIntentResponse","code":5,"userActivity":null})"},
     };
-    for (const auto& [method, intent, parameters, reply] : cases) {
-        EXPECT_EQ(answer(call("1", method, intent, parameters)), reply);
+    for (const auto& [method, intent, parameters, result] : cases) {
+        EXPECT_EQ(answer(call("1", method, intent, parameters)), reply("1", result));
     }
-    const std::string schemes =
-        answer(call("1", "provideMapColorSchemeOptionsCollection", "WeatherRadarMapIntent"));
-    std::string ids;
-    for (std::size_t at = schemes.find("\"id\":"); at != std::string::npos;
-         at = schemes.find("\"id\":", at + 1)) {
-        ids += schemes.substr(at + 5, schemes.find('}', at) - at - 5) + ' ';
+    const struct {
+        std::string name, title, userInfo;
+    } shortcuts[] = {
+        {"RadarMap", "Radar Map", R"("map_layer":"radar")"},
+        {"SatelliteMap", "Satellite Map", R"("map_layer":"satellite")"},
+        {"CurrentWeather", "Weather Conditions", R"("forecast_block":"conditions")"},
+    };
+    for (const auto& [name, title, userInfo] : shortcuts) {
+        EXPECT_EQ(answer(call("1", "handle", name + "Intent", somewhere)),
+                  reply("1", R"({"class":")" + name + R"(IntentResponse","code":2,"userActivity":)" +
+                                 R"({"activityType":"SiriShortcut","title":")" + title + R"(","userInfo":{)" +
+                                 userInfo + R"(,"place_id":"x"}}})"));
     }
-    EXPECT_EQ(ids, "1 2 3 4 5 6 7 8 11 12 13 14 15 16 17 21 22 23 31 32 ");
+    std::string options = answer(call("1", "provideLocationOptionsCollection", "WeatherRadarMapIntent"));
+    EXPECT_NE(options.find(R"({"class":"ForecastLocation","identifier":"b")"), std::string::npos);
+    options = answer(call("1", "provideMapColorSchemeOptionsCollection", "WeatherRadarMapIntent"));
+    EXPECT_NE(options.find(R"([{"class":"MapColorScheme","identifier":"1",)"), std::string::npos);
+    EXPECT_TRUE(options.ends_with(R"("id":32}]}]}})"
+                                  "\n"))
+        << options;
 }
 
 TEST_F(ExtensionProcess, answersBadLinesWithErrorsAndGoesOn) {
-    const std::pair<std::string, int> cases[] = {
-        {"nonsense", -32700},
-        {"", -32700},
-        {"{\"id\":1,\"x\":\"\xff\"}", -32700},
-        {std::string(100000, '['), -32700},
-        {std::string(10 << 20, 'x'), -32700},
-        {'"' + std::string(10 << 20, 'x') + '"', -32700},
-        {"42", -32600},
-        {"{}", -32600},
-        {"[]", -32600},
-        {R"({"jsonrpc":"1.0","id":1,"method":"handler"})", -32600},
-        {R"({"jsonrpc":"2.0","id":[1],"method":"handler"})", -32600},
-        {R"({"jsonrpc":"2.0","id":1,"method":5})", -32600},
-        {R"({"jsonrpc":"2.0","id":1,"method":"nothing"})", -32601},
-        {R"({"jsonrpc":"2.0","id":1,"method":"handler"})", -32602},
-        {R"({"jsonrpc":"2.0","id":1,"method":"handler","params":[]})", -32602},
-        {R"({"jsonrpc":"2.0","id":1,"method":"handler","params":{"intent":{"class":5}}})", -32602},
-        {call("1", "handle", "ConfigurationIntent"), -32601},
-        {call("1", "handle", "WeatherRadarMapIntent"), -32601},
-        {call("1", "defaultLocation", "RadarMapIntent"), -32601},
-        {call("1", "defaultLocation", "NoSuchIntent"), -32601},
-        {call("1", "handle", "RadarMapIntent", "5"), -32602},
-        {call("1", "handle", "RadarMapIntent", R"({"location":"x"})"), -32602},
-        {call("1", "handle", "RadarMapIntent", R"({"location":{"class":"Location"}})"), -32602},
-        {call("1", "handle", "RadarMapIntent", R"({"location":{"class":"ForecastLocation","display":"X"}})"),
-         -32602},
-        {call("1", "defaultLocation", "WeatherRadarMapIntent", R"({"mapType":4})"), -32602},
-        {call("1", "defaultLocation", "WeatherRadarMapIntent", R"({"snow":1})"), -32602},
+    const auto callWith = [](const std::string& parameters) {
+        return call("1", "defaultLocation", "WeatherRadarMapIntent", parameters);
+    };
+    const std::pair<int, std::vector<std::string>> cases[] = {
+        {-32700,
+         {"nonsense", "", "{\"id\":1,\"x\":\"\xff\"}", std::string(100000, '['), std::string(10 << 20, 'x')}},
+        {-32600,
+         {"42", "[]", R"({"jsonrpc":"1.0","id":1,"method":"handler"})",
+          R"({"jsonrpc":"2.0","id":[1],"method":"handler"})", R"({"jsonrpc":"2.0","id":1,"method":5})"}},
+        {-32601,
+         {R"({"jsonrpc":"2.0","id":1,"method":"nothing"})", call("1", "handle", "ConfigurationIntent"),
+          call("1", "defaultLocation", "RadarMapIntent"), call("1", "defaultLocation", "NoSuchIntent")}},
+        {-32602,
+         {R"({"jsonrpc":"2.0","id":1,"method":"handler"})",
+          R"({"jsonrpc":"2.0","id":1,"method":"handler","params":[]})",
+          R"({"jsonrpc":"2.0","id":1,"method":"handler","params":{"intent":{"class":5}}})", callWith("5"),
+          callWith(R"({"location":"x"})"), callWith(R"({"location":{"class":"ForecastLocation"}})"),
+          callWith(R"({"location":{"class":"Location","display":"X"}})"), callWith(R"({"mapType":4})"),
+          callWith(R"({"snow":1})")}},
     };
     std::string input;
-    for (const auto& [text, code] : cases) {
-        const std::string line = text + (text.ends_with('\n') ? "" : "\n");
-        EXPECT_TRUE(answer(line).starts_with(R"("error":{"code":)" + std::to_string(code) + ','))
-            << line.substr(0, 80);
-        input += line;
+    for (const auto& [code, texts] : cases) {
+        for (const std::string& text : texts) {
+            const std::string line = text + (text.ends_with('\n') ? "" : "\n");
+            const std::string error = answer(line);
+            EXPECT_NE(error.find(R"(,"error":{"code":)" + std::to_string(code) + ','), std::string::npos);
+            EXPECT_EQ(error.find('\n'), error.size() - 1) << error;
+            input += line;
+        }
     }
-    const Outcome all = serve(input + call("99", "handler", "RadarMapIntent"));
-    const auto replies = repliesOf(all.output);
-    EXPECT_EQ(replies.size(), std::size(cases) + 1);
-    EXPECT_EQ(replies.count("99"), 1U);
-    EXPECT_EQ(all.exitCode, 0);
-    EXPECT_EQ(all.errors, "");
+    const std::string all = answer(input + call("99", "handler", "RadarMapIntent"));
+    EXPECT_EQ(std::ranges::count(all, '\n'), std::ranges::count(input, '\n') + 1);
+    EXPECT_NE(all.find(reply("99", R"({"handler":"RadarMapIntentHandler"})")), std::string::npos);
 }
 
-TEST_F(ExtensionProcess, keepsTheIdsAndDoesNotAnswerNotifications) {
-    std::string input;
-    for (const std::string id :
-         {"5", "\"5\"", "null", "-1.5", "18446744073709551615", "\"\\\"\\u00e9\\n\""}) {
-        input += call(id, "handler", "RadarMapIntent");
-    }
-    std::string notification = call("1", "handle", "RadarMapIntent");
-    input += notification.erase(notification.find(R"("id":1,)"), 7);
-    const auto replies = repliesOf(serve(input).output);
-    EXPECT_EQ(replies.size(), 6U);
-    for (const std::string id : {"5", "\"5\"", "null", "-1.5", "18446744073709551615", "\"\\\"é\\n\""}) {
-        EXPECT_EQ(replies.count(id), 1U) << id;
-    }
-}
-
-TEST_F(ExtensionProcess, answersEachOfManyCallsInFlightOnceBeforeItEnds) {
-    std::string input;
+TEST_F(ExtensionProcess, answersEachOfManyCallsInFlightUnderItsIdBeforeItEndsButNoNotification) {
+    std::vector<std::string> ids{"\"5\"", "null", "-1.5", "18446744073709551615", "\"\\\"é\\n\""};
     for (int i = 0; i < 3000; ++i) {
-        input += call(std::to_string(i), i % 2 == 0 ? "provideLocationOptionsCollection" : "handle",
-                      "RadarMapIntent");
+        ids.push_back(std::to_string(i));
+    }
+    std::string input = call("1", "handle", "RadarMapIntent");
+    input.erase(input.find(R"("id":1,)"), 7);
+    std::multiset<std::string> expected;
+    for (const std::string& id : ids) {
+        input += call(id, "handle", "RadarMapIntent");
+        expected.insert(reply(id, R"({"class":"RadarMapIntentResponse","code":5,"userActivity":null})"));
     }
     input.pop_back();  // the last line ends with the input
-    const Outcome outcome = serve(input);
-    const auto replies = repliesOf(outcome.output);
-    EXPECT_EQ(outcome.exitCode, 0);
-    ASSERT_EQ(replies.size(), 3000U);
-    for (int i = 0; i < 3000; ++i) {
-        ASSERT_EQ(replies.count(std::to_string(i)), 1U) << i;
+    std::istringstream output(answer(input));
+    std::multiset<std::string> replies;
+    for (std::string line; std::getline(output, line);) {
+        replies.insert(line + '\n');
     }
+    EXPECT_EQ(replies, expected);
 }
 
 TEST_F(ExtensionProcess, answersFromAnUnreadableStoreAsFromAnEmptyOne) {
-    const std::string file = directory_.path("group.com.brisk-labs.Nimbuscope.sqlite");
+    const std::string question = call("1", "defaultLocation", "WeatherRadarMapIntent");
+    store({{.id = "a"}});
+    EXPECT_NE(answer(question).find(R"("identifier":"a")"), std::string::npos)
+        << "the first where none is current";
+    const std::string file = directory.path("group.com.brisk-labs.Nimbuscope.sqlite");
     for (const std::string& damaged :
          {std::string("not a store"), std::string(), readFile(file).substr(0, 5000)}) {
         writeFile(file, damaged);
-        EXPECT_EQ(answer(call("1", "defaultLocation", "WeatherRadarMapIntent")), R"("result":null)");
+        EXPECT_EQ(answer(question), reply("1", "null"));
         EXPECT_EQ(readFile(file), damaged);
     }
 }

@@ -2,8 +2,10 @@
 
 #include "NimbuscopeIntentHandler/Places/SavedPlaces.hpp"
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
+#include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "tests/support/FailingUserDefaults.hpp"
 #include "tests/support/InMemoryUserDefaults.hpp"
+#include "tests/support/TemporaryDirectory.hpp"
 
 namespace nimbuscope {
 namespace {
@@ -22,67 +24,51 @@ const std::string storedPlace =
     R"("silenceTime":{"isEnabled":true,"start":1,"end":2}},)"
     R"("staticCoordinate":{"latitude":-33.8688,"longitude":151.2093}})";
 
-std::string with(const std::string& from, const std::string& to) {
-    std::string json = storedPlace;
-    const std::size_t at = json.find(from);
-    EXPECT_NE(at, std::string::npos) << from;
-    return at == std::string::npos ? json : json.replace(at, from.size(), to);
-}
-
 platform::Data listOf(const std::string& element) {
     return platform::dataOf('[' + element + ']');
 }
 
-TEST(Place, isWrittenBackToTheByte) {
-    const auto places = SavedPlaces::decoded(listOf(storedPlace));
-    ASSERT_TRUE(places) << places.error().reason;
-    EXPECT_EQ(SavedPlaces::encoded(*places), '[' + storedPlace + ']');
-}
-
-TEST(Place, withoutSettingsTakesTheDefaultsAndAbsentTextsStayAbsent) {
-    const std::string bare =
-        R"({"id":"a","icon":"i","name":"n","current":true,"geolocated":true,"staticCoordinate":{"latitude":1,"longitude":2})";
-    const std::string expected =
-        R"([{"id":"a","icon":"i","name":"n","current":true,"geolocated":true,)"
-        R"("notificationsSettings":{"isCustom":false,"rainDuration":{"isEnabled":true,"accuracy":1,"intensity":25},)"
+TEST(Place, isWrittenBackToTheByteWithTheDefaultsForAbsentSettings) {
+    const std::string start = R"({"id":"a","icon":"i","name":"n","current":true,"geolocated":true,)";
+    const std::string coordinate = R"("staticCoordinate":{"latitude":1,"longitude":2})";
+    const std::string defaults =
+        R"("notificationsSettings":{"isCustom":false,)"
+        R"("rainDuration":{"isEnabled":true,"accuracy":1,"intensity":25},)"
         R"("inRadius":{"isEnabled":true,"showRadiusOnMap":true,"radius":30000,"intensity":55},)"
         R"("severeWeather":{"isEnabled":true,"severity":"Minor"},)"
         R"("tropicalStorms":{"isEnabled":true,"trackingArea":"global"},)"
-        R"("silenceTime":{"isEnabled":false,"start":82800,"end":25200}},)"
-        R"("staticCoordinate":{"latitude":1,"longitude":2}}])";
-    for (const char* rest : {"}", R"(,"notificationsSettings":null,"address":null})"}) {
-        const auto places = SavedPlaces::decoded(listOf(bare + rest));
-        ASSERT_TRUE(places) << places.error().reason;
-        EXPECT_EQ(SavedPlaces::encoded(*places), expected);
+        R"("silenceTime":{"isEnabled":false,"start":82800,"end":25200}},)";
+    const std::string whole = start + defaults + coordinate + '}';
+    const std::pair<std::string, std::string> cases[] = {
+        {storedPlace, storedPlace},
+        {start + coordinate + '}', whole},
+        {start + coordinate + R"(,"notificationsSettings":null,"address":null})", whole},
+    };
+    for (const auto& [json, written] : cases) {
+        EXPECT_EQ(SavedPlaces::encoded(SavedPlaces::decoded(listOf(json)).value()), '[' + written + ']');
     }
 }
 
 TEST(Place, withAFaultIsDroppedFromAListAndNamedInAnImport) {
-    struct Case {
+    const struct {
         std::string from, to, path;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {R"("id":"a",)", "", "id"},
-        {R"("icon":"home",)", "", "icon"},
         {R"("name":"A")", R"("name":null)", "name"},
         {R"("address":"1 Street")", R"("address":5)", "address"},
-        {R"("current":false)", R"("current":0)", "current"},
-        {R"("geolocated":false,)", "", "geolocated"},
         {R"("accuracy":2)", R"("accuracy":3)", "notificationsSettings.rainDuration.accuracy"},
         {R"("radius":5000)", R"("radius":15000)", "notificationsSettings.inRadius.radius"},
-        {R"("severity":"Severe")", R"("severity":"severe")", "notificationsSettings.severeWeather.severity"},
-        {R"("trackingArea":"near")", R"("trackingArea":"nearMyLocations")",
-         "notificationsSettings.tropicalStorms.trackingArea"},
+        {R"("Severe")", R"("severe")", "notificationsSettings.severeWeather.severity"},
+        {R"("near")", R"("nearMyLocations")", "notificationsSettings.tropicalStorms.trackingArea"},
         {R"("start":1)", R"("start":1.5)", "notificationsSettings.silenceTime.start"},
-        {R"({"isCustom":true,)", R"({)", "notificationsSettings.isCustom"},
         {R"("latitude":-33.8688,)", "", "staticCoordinate.latitude"},
     };
     for (const auto& [from, to, path] : cases) {
-        const std::string bad = with(from, to);
-        const auto imported = SavedPlaces::decoded(listOf(storedPlace + ',' + bad));
-        ASSERT_FALSE(imported) << path;
-        EXPECT_TRUE(imported.error().reason.starts_with("[1]." + path + ": ")) << imported.error().reason;
-        EXPECT_EQ(decodePlaces(listOf(storedPlace + ',' + bad + ',' + storedPlace)).size(), 2U) << path;
+        std::string two = storedPlace + ',' + storedPlace;
+        two.replace(two.rfind(from), from.size(), to);
+        EXPECT_TRUE(SavedPlaces::decoded(listOf(two)).error().reason.starts_with("[1]." + path + ": "))
+            << path;
+        EXPECT_EQ(decodePlaces(listOf(two + ',' + storedPlace)).size(), 2U) << path;
     }
 }
 
@@ -114,9 +100,8 @@ TEST(SavedPlaces, changesAreWholeOrNotAtAll) {
 TEST(SavedPlaces, aListThatCannotBeReadWholeIsNotTouched) {
     InMemoryUserDefaults store;
     SavedPlaces places(store);
-    const platform::DefaultsValue values[] = {listOf(storedPlace + ",5"), std::string("[]"),
-                                              platform::dataOf("{}")};
-    for (const auto& value : values) {
+    for (const platform::DefaultsValue& value :
+         {platform::DefaultsValue(listOf(storedPlace + ",5")), platform::DefaultsValue("[]")}) {
         ASSERT_TRUE(store.set("places", value));
         EXPECT_FALSE(places.all());
         EXPECT_FALSE(places.add({.id = "new"}));
@@ -125,6 +110,62 @@ TEST(SavedPlaces, aListThatCannotBeReadWholeIsNotTouched) {
     }
     EXPECT_TRUE(places.replace({}));
     EXPECT_EQ(store.object("places").value(), platform::dataOf("[]"));
+}
+
+std::string idsOf(const std::vector<Place>& places) {
+    std::string ids;
+    for (const Place& place : places) {
+        ids += place.id;
+    }
+    return ids;
+}
+
+struct SharedStorageTest : ::testing::Test {
+    testing::InMemorySuites suites;
+    SharedStorage storage{suites};
+};
+
+TEST_F(SharedStorageTest, putsTheCurrentPlaceFirstAndKeepsTheOrderOfTheOthers) {
+    // Letters are places; capital ones stand for the current location.
+    const struct {
+        std::string stored, current, others;
+    } cases[] = {{"", "", ""}, {"aBc", "B", "ac"}, {"aBcDa", "B", "Daca"}, {"cba", "", "cba"}};
+    for (const auto& [stored, current, others] : cases) {
+        std::vector<Place> places;
+        for (const char letter : stored) {
+            places.push_back({.id = std::string(1, letter), .current = letter < 'a'});
+        }
+        ASSERT_TRUE(SavedPlaces(storage.groupStorage()).replace(places));
+        EXPECT_EQ(idsOf(storage.places()), current + others);
+        EXPECT_EQ(storage.currentPlace().value_or(Place{}).id, current);
+    }
+}
+
+TEST_F(SharedStorageTest, readsWhatIsNoListOfPlacesAsNone) {
+    const std::string good = SavedPlaces::encoded({{.id = "a"}}).value();
+    const std::string inner = good.substr(1, good.size() - 2);
+    const std::pair<std::string, std::string> cases[] = {
+        {good, "a"},
+        {good + "x", ""},
+        {inner, ""},
+        {"", ""},
+        {"[" + inner + ",\"\xff\"]", ""},
+        {std::string(5000, '['), ""},
+        {"[null,5,\"a\",[],{},1e999,123456789012345678901," + inner + "]", "a"}};
+    for (const auto& [json, ids] : cases) {
+        ASSERT_TRUE(storage.groupStorage().set("places", platform::dataOf(json)));
+        EXPECT_EQ(idsOf(storage.places()), ids) << json.substr(0, 60);
+    }
+    ASSERT_TRUE(storage.groupStorage().set("places", good));
+    EXPECT_EQ(idsOf(storage.places()), "") << "text is not data";
+}
+
+TEST(SharedStorage, withoutAStoreToOpenStopsTheProcess) {
+    const testing::TemporaryDirectory directory;
+    testing::writeFile(directory.path("file"), "");
+    platform::SQLiteUserDefaultsSuites suites(directory.path("file/store"));
+    EXPECT_DEATH(SharedStorage storage(suites),
+                 "Fatal error: the application group's store is missing: .*:[0-9]+");
 }
 
 }  // namespace

@@ -12,41 +12,35 @@ namespace nimbuscope::testing {
 class FailingUserDefaults final : public platform::NSUserDefaults {
   public:
     using Code = platform::DefaultsError::Code;
+    using Done = platform::DefaultsResult<void>;
 
-    explicit FailingUserDefaults(std::shared_ptr<platform::NSUserDefaults> inner)
-        : inner_(std::move(inner)) {}
+    explicit FailingUserDefaults(std::shared_ptr<NSUserDefaults> inner) : inner_(std::move(inner)) {}
 
     std::optional<Code> readFault;
     std::optional<Code> writeFault;
 
-    [[nodiscard]] platform::DefaultsResult<std::optional<platform::DefaultsValue>> object(
+    platform::DefaultsResult<std::optional<platform::DefaultsValue>> object(
         std::string_view key) const override {
         return readFault ? fail(*readFault) : inner_->object(key);
     }
-    [[nodiscard]] platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation()
-        const override {
+    platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation() const override {
         return readFault ? fail(*readFault) : inner_->dictionaryRepresentation();
     }
-    [[nodiscard]] platform::DefaultsResult<void> set(std::string_view key,
-                                                     const platform::DefaultsValue& value) override {
+    Done set(std::string_view key, const platform::DefaultsValue& value) override {
         return writeFault ? fail(*writeFault) : inner_->set(key, value);
     }
-    [[nodiscard]] platform::DefaultsResult<void> removeObject(std::string_view key) override {
+    Done removeObject(std::string_view key) override {
         return writeFault ? fail(*writeFault) : inner_->removeObject(key);
     }
-    [[nodiscard]] platform::DefaultsResult<void> synchronize() override {
-        return writeFault ? fail(*writeFault) : inner_->synchronize();
-    }
-    [[nodiscard]] platform::DefaultsResult<void> transaction(const Transaction& body) override {
-        return inner_->transaction(body);
-    }
+    Done synchronize() override { return writeFault ? fail(*writeFault) : inner_->synchronize(); }
+    Done transaction(const Transaction& body) override { return inner_->transaction(body); }
 
   private:
     static std::unexpected<platform::DefaultsError> fail(Code code) {
         return std::unexpected(platform::DefaultsError{code, "failing", "told to fail"});
     }
 
-    std::shared_ptr<platform::NSUserDefaults> inner_;
+    std::shared_ptr<NSUserDefaults> inner_;
 };
 
 }  // namespace nimbuscope::testing

@@ -12,27 +12,22 @@ namespace nimbuscope::testing {
 /// A store in memory, for tests of what uses one; it passes the contract suite that the real one passes.
 class InMemoryUserDefaults final : public platform::NSUserDefaults {
   public:
-    [[nodiscard]] platform::DefaultsResult<std::optional<platform::DefaultsValue>> object(
+    using Done = platform::DefaultsResult<void>;
+
+    platform::DefaultsResult<std::optional<platform::DefaultsValue>> object(
         std::string_view key) const override {
         const std::lock_guard lock(mutex_);
         const auto found = values_.find(key);
         return found != values_.end() ? std::optional(found->second) : std::nullopt;
     }
-
-    [[nodiscard]] platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation()
-        const override {
+    platform::DefaultsResult<platform::DefaultsDictionary> dictionaryRepresentation() const override {
         const std::lock_guard lock(mutex_);
         return values_;
     }
-
-    [[nodiscard]] platform::DefaultsResult<void> set(std::string_view key,
-                                                     const platform::DefaultsValue& value) override {
+    Done set(std::string_view key, const platform::DefaultsValue& value) override {
         const std::lock_guard lock(mutex_);
         platform::JSONWriter writer;
-        writer.beginObject();
-        writer.key(key);
-        writeJSON(writer, value);
-        writer.endObject();
+        writeJSON(writer, platform::DefaultsDictionary{{std::string(key), value}});
         if (key.empty() || key.find('\0') != key.npos || !writer.finish()) {
             return std::unexpected(platform::DefaultsError{platform::DefaultsError::Code::invalidValue,
                                                            "memory", "not storable"});
@@ -40,16 +35,13 @@ class InMemoryUserDefaults final : public platform::NSUserDefaults {
         values_.insert_or_assign(std::string(key), value);
         return {};
     }
-
-    [[nodiscard]] platform::DefaultsResult<void> removeObject(std::string_view key) override {
+    Done removeObject(std::string_view key) override {
         const std::lock_guard lock(mutex_);
         values_.erase(std::string(key));
         return {};
     }
-
-    [[nodiscard]] platform::DefaultsResult<void> synchronize() override { return {}; }
-
-    [[nodiscard]] platform::DefaultsResult<void> transaction(const Transaction& body) override {
+    Done synchronize() override { return {}; }
+    Done transaction(const Transaction& body) override {
         const std::lock_guard lock(mutex_);
         const auto before = values_;
         auto done = body();
@@ -67,15 +59,13 @@ class InMemoryUserDefaults final : public platform::NSUserDefaults {
 /// Suites in memory: one store per name.
 class InMemorySuites final : public platform::NSUserDefaultsSuites {
   public:
-    [[nodiscard]] platform::DefaultsResult<std::shared_ptr<platform::NSUserDefaults>> suite(
-        std::string_view name) override {
+    using Store = platform::DefaultsResult<std::shared_ptr<platform::NSUserDefaults>>;
+
+    Store suite(std::string_view name) override {
         auto& store = stores_[std::string(name)];
-        store = store ? store : std::make_shared<InMemoryUserDefaults>();
-        return store;
+        return store ? store : store = std::make_shared<InMemoryUserDefaults>();
     }
-    [[nodiscard]] platform::DefaultsResult<std::shared_ptr<platform::NSUserDefaults>> standard() override {
-        return suite("");
-    }
+    Store standard() override { return suite(""); }
 
   private:
     std::map<std::string, std::shared_ptr<platform::NSUserDefaults>> stores_;

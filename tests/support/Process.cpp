@@ -1,134 +1,124 @@
 #include "tests/support/Process.hpp"
 
 #include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <csignal>
-#include <string_view>
 
 namespace nimbuscope::testing {
 namespace {
 
 struct Pipe {
     std::array<int, 2> ends{};
-    Pipe() { static_cast<void>(::pipe2(ends.data(), O_CLOEXEC)); }
+    Pipe() { EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0); }
 };
 
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    for (std::string& text : texts) {
-        result.push_back(text.data());
+/// Starts a program on these descriptors.
+pid_t start(std::vector<std::string> command, std::array<int, 3> descriptors) {
+    std::vector<char*> arguments;
+    for (std::string& text : command) {
+        arguments.push_back(text.data());
     }
-    result.push_back(nullptr);
-    return result;
-}
-
-std::vector<std::string> environmentWith(const std::map<std::string, std::string>& additions) {
-    std::vector<std::string> variables;
-    for (char** variable = environ; *variable != nullptr; ++variable) {
-        const std::string text(*variable);
-        if (!additions.contains(text.substr(0, text.find('=')))) {
-            variables.push_back(text);
+    arguments.push_back(nullptr);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        for (int number = 0; number < 3; ++number) {
+            ::dup2(descriptors[static_cast<std::size_t>(number)], number);
         }
+        ::execvp(arguments[0], arguments.data());
+        ::_exit(127);
     }
-    for (const auto& [name, value] : additions) {
-        variables.push_back(name + '=' + value);
-    }
-    return variables;
+    return child;
 }
 
-/// Appends what is there to read; closes the descriptor at its end.
-void drain(pollfd& source, std::string& into) {
-    std::array<char, 1U << 16U> chunk;
-    const ssize_t count = ::read(source.fd, chunk.data(), chunk.size());
-    if (count > 0) {
-        into.append(chunk.data(), static_cast<std::size_t>(count));
-    } else {
-        ::close(source.fd);
-        source.fd = -1;
-    }
-}
-
-/// Writes what fits; closes the descriptor when all is written or nobody reads.
-void feed(pollfd& target, std::string_view& rest) {
-    const ssize_t count = rest.empty() ? -1 : ::write(target.fd, rest.data(), rest.size());
-    if (count >= 0) {
-        rest.remove_prefix(static_cast<std::size_t>(count));
-    }
-    if (count < 0 || rest.empty()) {
-        ::close(target.fd);
-        target.fd = -1;
-    }
+/// All that was written to a file in memory, which is closed.
+std::string taken(int file) {
+    std::string text(static_cast<std::size_t>(::lseek(file, 0, SEEK_END)), '\0');
+    EXPECT_EQ(::pread(file, text.data(), text.size(), 0), static_cast<ssize_t>(text.size()));
+    ::close(file);
+    return text;
 }
 
 }  // namespace
 
-Outcome run(const std::vector<std::string>& command, const std::string& input,
+Outcome run(const std::vector<std::string>& command, std::string_view input,
             const std::map<std::string, std::string>& environment) {
     std::signal(SIGPIPE, SIG_IGN);
-    Pipe in;
-    Pipe out;
-    Pipe err;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, in.ends[0], 0);
-    posix_spawn_file_actions_adddup2(&actions, out.ends[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, err.ends[1], 2);
-    auto arguments = command;
-    auto variables = environmentWith(environment);
-    pid_t child = -1;
-    const int failed = ::posix_spawn(&child, command[0].c_str(), &actions, nullptr,
-                                     pointers(arguments).data(), pointers(variables).data());
-    posix_spawn_file_actions_destroy(&actions);
-    for (const int end : {in.ends[0], out.ends[1], err.ends[1]}) {
-        ::close(end);
+    std::vector<std::string> whole{"env"};
+    for (const auto& [name, value] : environment) {
+        whole.push_back(name + '=' + value);
     }
-    Outcome outcome;
-    ::fcntl(in.ends[1], F_SETFL, O_NONBLOCK);
-    std::array<pollfd, 3> ends{
-        {{in.ends[1], POLLOUT, 0}, {out.ends[0], POLLIN, 0}, {err.ends[0], POLLIN, 0}}};
-    std::string_view rest = input;
-    while (ends[0].fd >= 0 || ends[1].fd >= 0 || ends[2].fd >= 0) {
-        ::poll(ends.data(), ends.size(), -1);
-        if (ends[0].revents != 0) {
-            feed(ends[0], rest);
-        }
-        if (ends[1].revents != 0) {
-            drain(ends[1], outcome.output);
-        }
-        if (ends[2].revents != 0) {
-            drain(ends[2], outcome.errors);
-        }
+    whole.insert(whole.end(), command.begin(), command.end());
+    const Pipe in;
+    const int output = ::memfd_create("output", MFD_CLOEXEC);
+    const int errors = ::memfd_create("errors", MFD_CLOEXEC);
+    const pid_t child = start(whole, {in.ends[0], output, errors});
+    ::close(in.ends[0]);
+    for (ssize_t count = 0; count >= 0 && !input.empty();) {
+        count = ::write(in.ends[1], input.data(), input.size());
+        input.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }
+    ::close(in.ends[1]);
     int status = 0;
-    if (failed == 0 && ::waitpid(child, &status, 0) == child) {
-        outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), taken(output), taken(errors)};
+}
+
+void inTwoProcesses(const std::function<bool(int process)>& work) {
+    for (const int process : {0, 1}) {
+        if (::fork() == 0) {
+            ::_exit(work(process) ? 0 : 1);
+        }
     }
-    return outcome;
+    for (int status = 0; ::wait(&status) > 0;) {
+        EXPECT_EQ(status, 0);
+    }
+}
+
+std::int64_t killed(std::minstd_rand& random,
+                    const std::function<void(std::function<void(std::int64_t)> tell)>& work) {
+    const Pipe told;
+    const pid_t child = ::fork();
+    if (child == 0) {
+        work([&](std::int64_t number) {
+            if (::write(told.ends[1], &number, sizeof number) != sizeof number) {
+                ::_exit(1);
+            }
+        });
+        ::_exit(1);
+    }
+    ::close(told.ends[1]);
+    std::int64_t last = -1;
+    const auto next = [&] { return ::read(told.ends[0], &last, sizeof last) == sizeof last; };
+    for (auto numbers = random() % 4; numbers > 0 && next(); --numbers) {
+    }
+    ::usleep(static_cast<useconds_t>(random() % 2000));
+    ::kill(child, SIGKILL);
+    while (next()) {
+    }
+    ::close(told.ends[0]);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status)) << "the process ended by itself";
+    return last;
 }
 
 BackgroundProcess::BackgroundProcess(std::vector<std::string> command) {
     command.insert(command.begin(), {"setpriv", "--pdeathsig", "KILL", "--"});
     const Pipe out;
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, out.ends[1], 1);
-    static_cast<void>(
-        ::posix_spawnp(&child_, command[0].c_str(), &actions, nullptr, pointers(command).data(), environ));
-    posix_spawn_file_actions_destroy(&actions);
+    child_ = start(std::move(command), {0, out.ends[1], 2});
     ::close(out.ends[1]);
     output_ = out.ends[0];
 }
 
 BackgroundProcess::~BackgroundProcess() {
-    if (child_ > 0) {
-        ::kill(child_, SIGKILL);
-        ::waitpid(child_, nullptr, 0);
-    }
+    ::kill(child_, SIGKILL);
+    ::waitpid(child_, nullptr, 0);
     ::close(output_);
 }
 

@@ -1,172 +1,176 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <iterator>
+#include <sstream>
 
+#include "NimbuscopeKit/Preferences/PreferencesServiceImpl.hpp"
+#include "Platform/Linux/NSUserDefaults_sqlite.hpp"
+#include "tests/support/FixedLocale.hpp"
 #include "tests/support/Process.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 
 namespace nimbuscope::testing {
 namespace {
 
-const std::string tool = NIMBUSCOPE_BINARY_DIRECTORY "/tools/nimbuscope/nimbuscope";
+struct CommandLine : ::testing::Test {
+    using Arguments = std::vector<std::string>;
+    const std::string sample = NIMBUSCOPE_SOURCE_DIRECTORY "/docs/sample/places.json";
+    TemporaryDirectory directory;
+    std::string locale = "C";
 
-class CommandLine : public ::testing::Test {
-  protected:
-    [[nodiscard]] Outcome call(std::vector<std::string> arguments, const std::string& input = {}) const {
-        arguments.insert(arguments.begin(), tool);
-        return run(arguments, input, {{"NIMBUSCOPE_STORE", directory_.path("store")}, {"LC_ALL", "C"}});
+    Outcome call(Arguments arguments, const std::string& input = {}) {
+        arguments.insert(arguments.begin(), NIMBUSCOPE_BINARY_DIRECTORY "/tools/nimbuscope/nimbuscope");
+        return run(arguments, input, {{"NIMBUSCOPE_STORE", directory.path("store")}, {"LC_ALL", locale}});
     }
-    [[nodiscard]] std::string output(std::vector<std::string> arguments,
-                                     const std::string& input = {}) const {
-        const Outcome outcome = call(std::move(arguments), input);
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+    std::string output(const Arguments& arguments, const std::string& input = {}) {
+        const Outcome outcome = call(arguments, input);
+        EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(outcome.errors, "");
         return outcome.output;
     }
     /// Expects failure with nothing on standard output, and returns the one line on standard error.
-    [[nodiscard]] std::string failure(std::vector<std::string> arguments, int exitCode,
-                                      const std::string& input = {}) const {
-        const Outcome outcome = call(std::move(arguments), input);
+    std::string failure(const Arguments& arguments, int exitCode = 1, const std::string& input = {}) {
+        const Outcome outcome = call(arguments, input);
         EXPECT_EQ(outcome.exitCode, exitCode) << outcome.errors;
         EXPECT_EQ(outcome.output, "");
-        EXPECT_TRUE(outcome.errors.starts_with("nimbuscope: ") && outcome.errors.ends_with('\n') &&
-                    std::ranges::count(outcome.errors, '\n') == 1)
-            << outcome.errors;
-        return outcome.errors.substr(12, outcome.errors.size() - 13);
+        EXPECT_TRUE(outcome.errors.starts_with("nimbuscope: ")) << outcome.errors;
+        EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1) << outcome.errors;
+        return outcome.errors.substr(12);
     }
-
-    TemporaryDirectory directory_;
 };
 
 TEST_F(CommandLine, helpAndVersionPrintOnEveryLevelAndMistakesExitWithTwo) {
-    const std::vector<std::string> levels[] = {{"--help"},
-                                               {"places", "--help"},
-                                               {"places", "add", "--help"},
-                                               {"defaults", "write", "--help"},
-                                               {"intents", "--help"}};
-    for (const auto& arguments : levels) {
-        EXPECT_NE(output(arguments).find("nimbuscope"), std::string::npos);
-    }
-    EXPECT_EQ(output({"--version"}).substr(0, 11), "nimbuscope ");
-    const std::vector<std::string> mistakes[] = {
-        {"nonsense"},
-        {"places"},
-        {"places", "list", "--nonsense"},
-        {"places", "add", "--name", "A", "--latitude", "91", "--longitude", "0"},
-        {"places", "add", "--name", "A", "--latitude", "1"},
-        {"defaults", "write", "k"},
-        {"defaults", "write", "k", "--int", "1.5"},
-        {"defaults", "write", "k", "--int", "9223372036854775808"},
-        {"defaults", "write", "k", "--bool", "maybe"},
-        {"defaults", "write", "k", "--int", "1", "--string", "x"},
-        {"defaults", "read", "--suite", "x", "--standard"},
-        {"intents", "nonsense", "RadarMapIntent"},
+    const auto words = [](const std::string& line) {
+        std::istringstream stream(line);
+        return Arguments{std::istream_iterator<std::string>(stream), {}};
     };
-    for (const auto& arguments : mistakes) {
-        EXPECT_EQ(failure(arguments, 2).substr(0, 14), "command line: ");
+    for (const char* line : {"--help", "places --help", "defaults write --help", "--version"}) {
+        EXPECT_NE(output(words(line)).find("nimbuscope"), std::string::npos);
     }
-    EXPECT_FALSE(std::filesystem::exists(directory_.path("store")));
+    for (const char* line :
+         {"nonsense", "places", "places list --nonsense", "places add --name A --latitude 1",
+          "places add --name A --latitude 91 --longitude 0", "defaults write k",
+          "intents nonsense RadarMapIntent", "defaults write k --int 9223372036854775808",
+          "defaults write k --bool maybe", "defaults write k --int 1 --string x",
+          "defaults read --suite x --standard", "preferences set unit 1"}) {
+        EXPECT_TRUE(failure(words(line), 2).starts_with("command line: ")) << line;
+    }
+    EXPECT_FALSE(std::filesystem::exists(directory.path("store")));
 }
 
 TEST_F(CommandLine, defaultsKeepTheirTypesThroughTheStore) {
-    writeFile(directory_.path("bytes"), std::string("\0\xFF", 2));
-    const std::vector<std::string> values[] = {
-        {"b", "--bool", "true"},
-        {"i", "--int", "-9223372036854775808"},
-        {"d", "--double", "-3"},
-        {"s", "--string", "-1 é"},
-        {"data", "--data", directory_.path("bytes")},
-        {"json", "--value-json", R"({"a":[1,1.0,{"$data":"AP8="}],"$$q":false})"},
+    const std::string bytes = directory.path("bytes");
+    writeFile(bytes, std::string("\0\xFF", 2));
+    const std::array<std::string, 3> values[] = {
+        {"b", "--bool", "true"},   {"i", "--int", "-9223372036854775808"},
+        {"d", "--double", "-3"},   {"s", "--string", "-1 é"},
+        {"data", "--data", bytes}, {"json", "--value-json", R"({"a":[1,1.0,{"$data":"AP8="}],"$$q":false})"},
     };
-    for (std::vector<std::string> arguments : values) {
-        arguments.insert(arguments.begin(), {"defaults", "write"});
-        EXPECT_EQ(output(arguments), "");
+    for (const auto& [key, option, value] : values) {
+        EXPECT_EQ(output({"defaults", "write", key, option, value}), "");
     }
     EXPECT_EQ(output({"defaults", "read", "--json"}),
               R"({"b":true,"d":-3.0,"data":{"$data":"AP8="},"i":-9223372036854775808,)"
               R"("json":{"$$q":false,"a":[1,1.0,{"$data":"AP8="}]},"s":"-1 é"})"
               "\n");
     EXPECT_EQ(output({"defaults", "read", "s"}), "-1 é\n");
-    EXPECT_EQ(output({"defaults", "read", "s", "--json"}), "\"-1 é\"\n");
     EXPECT_EQ(output({"defaults", "delete", "s"}), "");
-    EXPECT_EQ(failure({"defaults", "delete", "s"}, 1), "defaults delete: no value under \"s\"");
-    EXPECT_EQ(failure({"defaults", "read", "b", "--standard"}, 1), "defaults read: no value under \"b\"");
-    EXPECT_EQ(failure({"defaults", "write", "x", "--value-json", "[1,null]"}, 1),
-              "--value-json: [1]: null is no value");
-    EXPECT_EQ(failure({"defaults", "write", "x", "--data", directory_.path("none")}, 1),
-              directory_.path("none") + ": No such file or directory");
-    EXPECT_NE(failure({"defaults", "write", "x", "--double", "inf"}, 1), "");
-    EXPECT_NE(failure({"defaults", "read", "--suite", "../x"}, 1), "");
+    EXPECT_EQ(failure({"defaults", "delete", "s"}), "defaults delete: no value under \"s\"\n");
+    EXPECT_EQ(failure({"defaults", "read", "b", "--standard"}), "defaults read: no value under \"b\"\n");
+    EXPECT_EQ(failure({"defaults", "write", "x", "--value-json", "[1,null]"}),
+              "--value-json: [1]: null is no value\n");
+    EXPECT_EQ(failure({"defaults", "write", "x", "--data", "/none"}), "/none: No such file or directory\n");
+    EXPECT_NE(failure({"defaults", "write", "x", "--double", "inf"}), "");
+    EXPECT_NE(failure({"defaults", "read", "--suite", "../x"}), "");
 }
 
 TEST_F(CommandLine, placesAreListedAddedRemovedImportedAndExported) {
     EXPECT_EQ(output({"places", "list", "--json"}), "[]\n");
-    EXPECT_EQ(
-        output({"places", "add", "--name", "A", "--latitude", "-33.8688", "--longitude", "0", "--id", "a"}),
-        "a\n");
-    EXPECT_EQ(output({"places", "add", "--name", "B", "--latitude", "0", "--longitude", "-180", "--current"})
-                  .size(),
-              37U);
-    EXPECT_NE(
-        failure({"places", "add", "--name", "A", "--latitude", "1", "--longitude", "1", "--id", "a"}, 1), "");
-    EXPECT_EQ(failure({"places", "remove", "c"}, 1), "places: no place has the id \"c\"");
+    Arguments add{"places", "add", "--name", "A", "--latitude", "0", "--longitude", "-180", "--current"};
+    EXPECT_EQ(output(add).size(), 37U);
+    add.back() = "--id=a";
+    EXPECT_EQ(output(add), "a\n");
+    EXPECT_NE(failure(add), "");
+    EXPECT_EQ(failure({"places", "remove", "c"}), "places: no place has the id \"c\"\n");
     EXPECT_EQ(output({"places", "list"})[0], '*');
 
     const std::string exported = output({"places", "export"});
-    EXPECT_TRUE(exported.starts_with(R"([{"id":"a",)")) << "in stored order";
-    const std::string file = directory_.path("places.json");
-    EXPECT_EQ(output({"places", "export", "-o", file}), "");
-    EXPECT_EQ(readFile(file), exported);
+    EXPECT_LT(exported.find(R"("current":true)"), exported.find(R"({"id":"a")")) << "in stored order";
     EXPECT_EQ(output({"places", "remove", "a"}), "");
     EXPECT_EQ(output({"places", "import", "-"}, exported), "");
-    EXPECT_EQ(output({"places", "export"}), exported);
 
     std::string malformed = exported;
     malformed.replace(malformed.rfind(R"("name")"), 6, R"("nome")");
-    EXPECT_EQ(failure({"places", "import", "-"}, 1, malformed), "-: [1].name: missing key");
-    EXPECT_EQ(failure({"places", "import", "-"}, 1, "[\n{,"), "-: invalid JSON at byte 3");
+    EXPECT_EQ(failure({"places", "import", "-"}, 1, malformed), "-: [1].name: missing key\n");
     EXPECT_EQ(output({"places", "export"}), exported) << "a refused import changes nothing";
 }
 
 TEST_F(CommandLine, outputsAreWholeOrUntouched) {
-    const std::string sample = NIMBUSCOPE_SOURCE_DIRECTORY "/docs/sample/places.json";
     EXPECT_EQ(output({"places", "import", sample}), "");
-    EXPECT_NE(failure({"places", "export", "-o", "/dev/full"}, 1), "");
-    EXPECT_NE(failure({"places", "export", "-o", directory_.path("none/x")}, 1), "");
-    const std::string file = directory_.path("places.json");
+    EXPECT_NE(failure({"places", "export", "-o", "/dev/full"}), "");
+    EXPECT_NE(failure({"places", "export", "-o", directory.path("none/x")}), "");
+    const std::string file = directory.path("places.json");
+    const std::string link = directory.path("link");
     writeFile(file, "before");
-    std::filesystem::create_symlink(file, directory_.path("link"));
-    const std::string store = directory_.path("store/group.com.brisk-labs.Nimbuscope.sqlite");
+    std::filesystem::create_symlink(file, link);
+    const std::string store = directory.path("store/group.com.brisk-labs.Nimbuscope.sqlite");
     const std::string whole = readFile(store);
     for (const std::string& damaged : {std::string("not a store"), whole.substr(0, whole.size() / 2)}) {
         writeFile(store, damaged);
-        EXPECT_NE(failure({"places", "export", "-o", file}, 1), "");
-        EXPECT_NE(failure({"places", "list"}, 1), "");
-        EXPECT_NE(failure({"places", "import", sample}, 1), "");
-        EXPECT_NE(failure({"intents", "defaultLocation", "WeatherRadarMapIntent"}, 1), "");
+        for (const Arguments& arguments : {Arguments{"places", "export", "-o", file},
+                                           {"places", "import", sample},
+                                           {"intents", "defaultLocation", "WeatherRadarMapIntent"}}) {
+            EXPECT_NE(failure(arguments), "");
+        }
         EXPECT_EQ(readFile(store), damaged);
         EXPECT_EQ(readFile(file), "before");
     }
     writeFile(store, whole);
-    EXPECT_EQ(output({"places", "export", "-o", directory_.path("link")}), "");
-    EXPECT_TRUE(std::filesystem::is_symlink(directory_.path("link")));
-    EXPECT_TRUE(readFile(file).starts_with("[{"));
+    EXPECT_EQ(output({"places", "export", "-o", link}), "");
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(readFile(file), output({"places", "export"}));
 }
 
 TEST_F(CommandLine, intentsAnswerAsTheExtensionDoes) {
-    EXPECT_EQ(output({"places", "import", NIMBUSCOPE_SOURCE_DIRECTORY "/docs/sample/places.json"}), "");
+    EXPECT_EQ(output({"places", "import", sample}), "");
     EXPECT_EQ(output({"intents", "defaultLocation", "WeatherRadarMapIntent", "--json"}),
               R"({"class":"ForecastLocation","identifier":"current","display":"Kraków"})"
               "\n");
-    EXPECT_EQ(output({"intents", "resolveLocation", "RadarMapIntent", "--location-name", "X", "--json"}),
-              R"({"resolution":"success","value":{"class":"Location","identifier":null,"display":"X"}})"
-              "\n");
-    EXPECT_EQ(output({"intents", "handle", "SatelliteMapIntent", "--location-id", "x"}),
+    EXPECT_EQ(output({"intents", "handle", "SatelliteMapIntent", "--location-name", "x"}),
               "class: SatelliteMapIntentResponse\ncode: 2\nuserActivity:\n  activityType: SiriShortcut\n"
-              "  title: Satellite Map\n  userInfo:\n    map_layer: satellite\n    place_id: x\n");
-    EXPECT_EQ(failure({"intents", "handle", "ConfigurationIntent"}, 1),
-              "intents: no operation \"handle\" for ConfigurationIntent");
+              "  title: Satellite Map\n  userInfo:\n    map_layer: satellite\n    place_id: \n");
+}
+
+TEST_F(CommandLine, preferencesAreSetAndResetWhileAnotherProcessLooksOn) {
+    platform::SQLiteUserDefaultsSuites suites(directory.path("store"));
+    const auto group = suites.suite(appGroupIdentifier).value();
+    PreferencesServiceImpl service(*suites.standard().value(), group, nullptr,
+                                   std::make_shared<FixedLocale>(true));
+    EXPECT_EQ(output({"preferences", "set", "minimalIntensity", "-32"}), "");
+    EXPECT_EQ(service.preferences().radar.minimalIntensity, IntensityPreference::None);
+    service.set(preference::launchesCount{77});
+    EXPECT_NE(output({"preferences", "show", "--json"}).find(R"("launchesCount":77,)"), std::string::npos);
+
+    EXPECT_EQ(failure({"preferences", "set", "units", "3"}),
+              "preferences set: units: the value is none of the allowed ones\n");
+    locale = "en_US.UTF-8";
+    EXPECT_EQ(output({"preferences", "reset"}), "");
+    EXPECT_EQ(service.preferences().map.units, UnitsPreference::Imperial);
+
+    ASSERT_TRUE(group->set(PreferencesServiceImpl::appPreferencesKey, platform::dataOf("nonsense")));
+    const Outcome replaced = call({"preferences", "show", "--json"});
+    EXPECT_EQ(replaced.exitCode, 0);
+    EXPECT_TRUE(replaced.errors.starts_with("    Unable to parse AppPreferences")) << replaced.errors;
+}
+
+TEST_F(CommandLine, preferencesMigrateBytesToBytesOrWriteNothing) {
+    EXPECT_EQ(output({"preferences", "migrate", "-", "--json"}, " {\"version\":12 }"), " {\"version\":12 }");
+    const std::string file = directory.path("out");
+    EXPECT_EQ(failure({"preferences", "migrate", "-", "-o", file}, 1, "{\"version\":true}"),
+              "-: version: expected an integer, found a boolean\n");
+    EXPECT_FALSE(std::filesystem::exists(file));
 }
 
 }  // namespace

@@ -16,33 +16,28 @@ TEST(Layering, onlyTheAdaptersIncludeTheLibrariesOfTheOperatingSystem) {
     int adapters = 0;
     for (const char* part :
          {"Platform", "NimbuscopeKit", "NimbuscopeIntentHandler", "colorschemes", "tools"}) {
-        if (!std::filesystem::exists(root / part)) {
-            continue;
-        }
         for (const auto& file : std::filesystem::recursive_directory_iterator(root / part)) {
-            if (!file.is_regular_file() || !std::regex_search(readFile(file.path()), foreign)) {
-                continue;
+            if (file.is_regular_file() && std::regex_search(readFile(file.path()), foreign)) {
+                EXPECT_TRUE(file.path().string().starts_with(root.string() + "/Platform/Linux/"))
+                    << file.path();
+                ++adapters;
             }
-            const auto path = std::filesystem::relative(file.path(), root).string();
-            EXPECT_TRUE(path.starts_with("Platform/Linux/")) << path;
-            ++adapters;
         }
     }
     EXPECT_GE(adapters, 2) << "the search finds nothing at all";
 }
 
 TEST(Layering, theExtensionLoadsNoMoreThanItNeeds) {
-    const Outcome listed =
-        run({"/usr/bin/env", "ldd",
-             NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler"});
+    const std::string listed =
+        run({"ldd", NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler"}).output;
     const std::regex library(R"(\b(lib[\w+-]+|ld-linux[\w-]+)\.so)");
     const std::regex allowed(
         "libc|libm|libgcc_s|libstdc\\+\\+|libsqlite3|libsimdjson|ld-linux.*|lib(a|ub|t)san|libdl|libpthread|"
         "librt|libresolv");
-    for (std::sregex_iterator it(listed.output.begin(), listed.output.end(), library), end; it != end; ++it) {
+    for (std::sregex_iterator it(listed.begin(), listed.end(), library), end; it != end; ++it) {
         EXPECT_TRUE(std::regex_match((*it)[1].str(), allowed)) << (*it)[1];
     }
-    EXPECT_NE(listed.output.find("libsqlite3"), std::string::npos) << listed.output;
+    EXPECT_NE(listed.find("libsqlite3"), std::string::npos) << listed;
 }
 
 }  // namespace
