@@ -137,7 +137,9 @@ void URLTransfer::setUpRequest() {
         headerLines_.reset(longer);
     };
     for (const auto& [name, value] : request.headers.fields()) {
-        append(value.empty() ? name + ';' : name + ": " + value);  // "name:" would remove libcurl's own
+        std::string line = name;
+        line += value.empty() ? ";" : ": ";  // "name:" would remove libcurl's own
+        append(line += value);
     }
     if (!request.headers.contains("Accept-Encoding")) {
         append("Accept-Encoding: " + std::string(ContentDecoder::acceptedEncodings));
