@@ -223,11 +223,11 @@ void CurlURLSession::finish(CURL* key, CURLcode outcome) {
     if (isRepeating) {
         prepared.isRepeated = true;
         freed.queued.push_front({std::move(prepared), std::move(handler)});
+        startQueued(freed);
+        return;
     }
     startQueued(freed);
-    if (!isRepeating) {
-        handler(std::move(result));
-    }
+    handler(std::move(result));
 }
 
 /// Handlers may ask for more while they are told; that is cancelled as well.
