@@ -42,6 +42,10 @@ class LocationManager final : private platform::CLLocationManagerDelegate {
     LocationManager(const LocationManager&) = delete;
     LocationManager& operator=(const LocationManager&) = delete;
 
+    /// The process's one instance over the user's stores, made with the first call; it works on the main run
+    /// loop. Stops the process when there are no such stores to open.
+    [[nodiscard]] static LocationManager& main();
+
     /// What the platform says now.
     [[nodiscard]] State state() const { return locationManagerState(manager_->authorizationStatus()); }
     [[nodiscard]] bool significantLocationChangeAvailable() const {

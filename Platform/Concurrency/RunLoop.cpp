@@ -8,6 +8,11 @@ namespace nimbuscope::platform {
 
 MainRunLoop::MainRunLoop() : guard_(context_.get_executor()), wakeUp_(context_) {}
 
+MainRunLoop& MainRunLoop::main() {
+    static MainRunLoop instance;
+    return instance;
+}
+
 void MainRunLoop::async(Work work) {
     asio::post(context_, std::move(work));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <asio/any_io_executor.hpp>
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
@@ -21,6 +22,12 @@ class RunLoop : public DispatchQueue {
 class MainRunLoop final : public RunLoop {
   public:
     MainRunLoop();
+
+    /// The process's one, made with the first call.
+    [[nodiscard]] static MainRunLoop& main();
+
+    /// For what waits on the loop by itself, such as sockets.
+    [[nodiscard]] asio::any_io_executor executor() { return context_.get_executor(); }
 
     void async(Work work) override;
     void asyncAfter(std::chrono::nanoseconds delay, Work work) override;

@@ -9,25 +9,29 @@
 
 namespace nimbuscope::testing {
 
-/// A location service in memory: `serve` and `locate` are what its world does, `calls` what is asked of it.
-/// It passes the contract suite that the real one passes, and outlives the work that it hands to its loop.
-class FakeLocationManager : public platform::CLLocationManager {
+/// A location service in memory: `serve`, `locate` and `fail` are what its world does, `calls` what is asked
+/// of it. It passes the contract suite that the real one passes, and outlives the work that it hands to its
+/// loop.
+class FakeLocationManager final : public platform::CLLocationManager {
   public:
     using Status = platform::CLAuthorizationStatus;
     explicit FakeLocationManager(asio::io_context& loop) : loop_(loop) {}
 
     void serve(Status status) {
         served_ = status;
-        later([this] { report(isMonitoring() && isKnown_ && status_ != served_); });
+        if (isMonitoring()) {
+            answer();
+        }
     }
     void locate(const platform::CLLocation& location) {
-        later([this, location, isWanted = isMonitoring()] {
+        asio::post(loop_, [this, location, isWanted = isMonitoring()] {
             if (isWanted && isMonitoring() && served_ == Status::authorizedWhenInUse) {
                 location_ = location;
                 delegate_->didUpdateLocations(*this, {&location, 1});
             }
         });
     }
+    void fail() { delegate_->didFailWithError(*this, {"test", 1, "told to fail"}); }
     std::string calls;
 
     [[nodiscard]] Status authorizationStatus() const override { return status_; }
@@ -45,29 +49,27 @@ class FakeLocationManager : public platform::CLLocationManager {
     void startMonitoringSignificantLocationChanges() override { ask("start changes", isMonitored_ = true); }
     void stopMonitoringSignificantLocationChanges() override { note("stop changes", isMonitored_ = false); }
 
-  protected:
-    void later(std::move_only_function<void()> work) { asio::post(loop_, std::move(work)); }
-    platform::CLLocationManagerDelegate* delegate_ = nullptr;
-
   private:
     [[nodiscard]] bool isMonitoring() const { return delegate_ != nullptr && (isUpdating_ || isMonitored_); }
     void note(const std::string& call, bool /*state*/ = false) { calls += call + "; "; }
     void ask(const std::string& call, bool /*state*/ = false) {
         note(call);
-        later([this] { report(isKnown_ = true); });
+        answer();
     }
-    void report(bool isNews) {
-        if (isNews && delegate_ != nullptr) {
-            status_ = served_;
-            delegate_->didChangeAuthorization(*this, status_);
-        }
+    void answer() {
+        asio::post(loop_, [this] {
+            if (delegate_ != nullptr) {
+                status_ = served_;
+                delegate_->didChangeAuthorization(*this, status_);
+            }
+        });
     }
 
     asio::io_context& loop_;
+    platform::CLLocationManagerDelegate* delegate_ = nullptr;
     Status served_ = Status::notDetermined;
     Status status_ = Status::notDetermined;
     std::optional<platform::CLLocation> location_;
-    bool isKnown_ = false;
     bool allowsBackground_ = false;
     bool isUpdating_ = false;
     bool isMonitored_ = false;
