@@ -10,7 +10,7 @@ namespace {
 std::string linesOf(const HTTPHeaders& headers) {
     std::string lines;
     for (const auto& [name, value] : headers.fields()) {
-        lines += name + ": " + value + '\n';
+        lines.append(name).append(": ").append(value) += '\n';
     }
     return lines;
 }
