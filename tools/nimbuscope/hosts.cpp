@@ -92,6 +92,7 @@ void addReset(CommandLine& commandLine, CLI::App& noun) {
                                 });
                             });
     std::vector<std::string> names;
+    names.reserve(identifiers.size());
     for (const HostIdentifier identifier : identifiers) {
         names.emplace_back(rawValue(identifier));
     }
