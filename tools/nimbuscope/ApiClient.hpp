@@ -26,7 +26,8 @@ class ApiClient {
                                                                         const std::string& caFile);
 
     [[nodiscard]] const std::shared_ptr<Networking>& networking() const { return networking_; }
-    [[nodiscard]] ServerSync serverSync() const { return {userService_, networking_, errors_}; }
+    /// Tracks nothing: its errors reach the caller, and would hide why the server gave no credentials.
+    [[nodiscard]] ServerSync serverSync() const { return {userService_, networking_, nullptr}; }
 
     /// Lets `start` begin a request with the handler that it is given, and returns what that receives.
     template <class T, class Start>
