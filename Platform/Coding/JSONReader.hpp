@@ -20,8 +20,7 @@
 /// as a real whose value is integral and in range; booleans, numbers and texts never stand for each other.
 namespace nimbuscope::platform {
 
-/// A value that is read while the text is walked, once and in order. It is not looked over beforehand: who
-/// reads it must read all of it.
+/// A value that is read while the text is walked: once, in order, all of it. Nothing has looked it over.
 using JSONToken = simdjson::ondemand::value;
 
 /// Reads a `T` in two ways, of which the first decides what is sound:
