@@ -53,7 +53,8 @@ TEST(AppPreferences, decodesOnlyWithEveryKeyThatIsNotOptional) {
 
 TEST(AppPreferencesImport, takesValuesOfTheirTypeUnderTheOldKeys) {
     platform::JSONDocument document;
-    for (const json& row : json::parse(fixture("settings")).at("oldKeys")) {
+    const json rows = json::parse(fixture("settings")).at("oldKeys");
+    for (const json& row : rows) {
         InMemoryUserDefaults store;
         const auto value = platform::defaultsValue(document.parse(row[1].dump()).value());
         ASSERT_TRUE(store.set(row[0].get<std::string>(), value.value()));
