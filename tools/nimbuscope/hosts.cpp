@@ -5,7 +5,7 @@
 
 #include "ApiClient.hpp"
 #include "CommandLine.hpp"
-#include "Files.hpp"
+#include "Records.hpp"
 #include "Results.hpp"
 
 namespace nimbuscope::tool {
@@ -59,13 +59,9 @@ CommandResult<void> change(const CommandLine& commandLine, const auto& work) {
 }
 
 CommandResult<void> update(const CommandLine& commandLine, const std::string& file) {
-    const auto bytes = readInput(file);
-    if (!bytes) {
-        return std::unexpected(bytes.error());
-    }
-    const auto settings = platform::JSONDecoder().decode<ApiSettings>(platform::textOf(*bytes));
+    const auto settings = readRecord<ApiSettings>(file);
     if (!settings) {
-        return std::unexpected(CommandError{file, settings.error().message()});
+        return std::unexpected(settings.error());
     }
     if (settings->code != 0) {
         return std::unexpected(CommandError{file, description(ApiError{settings->message})});

@@ -3,11 +3,8 @@
 #include <fmt/format.h>
 
 #include "CommandLine.hpp"
-#include "Files.hpp"
 #include "MapsText.hpp"
-#include "Platform/Coding/JSONDecoder.hpp"
-#include "Platform/Coding/JSONEncoder.hpp"
-#include "Results.hpp"
+#include "Records.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -23,13 +20,8 @@ std::string describe(const std::optional<std::vector<MapFrame>>& frames) {
 }
 
 CommandResult<void> show(const std::string& file, bool isJSON, std::string& output) {
-    const auto bytes = readInput(file);
-    if (!bytes) {
-        return std::unexpected(bytes.error());
-    }
-    const auto maps = platform::JSONDecoder().decode<ApiMaps>(platform::textOf(*bytes));
-    return maps ? printMaps(file, *maps, isJSON, output)
-                : std::unexpected(CommandError{file, maps.error().message()});
+    const auto maps = readRecord<ApiMaps>(file);
+    return maps ? printMaps(file, *maps, isJSON, output) : std::unexpected(maps.error());
 }
 
 }  // namespace
@@ -37,9 +29,7 @@ CommandResult<void> show(const std::string& file, bool isJSON, std::string& outp
 CommandResult<void> printMaps(const std::string& what, const ApiMaps& maps, bool isJSON,
                               std::string& output) {
     if (isJSON) {
-        platform::JSONWriter writer;
-        writeJSON(writer, maps);
-        return printJSON(what, writer, output);
+        return printRecord(what, maps, output);
     }
     output += fmt::format("code {}: {}\n", maps.code, maps.message);
     for (const auto& [layer, times] : maps.data.value_or(decltype(maps.data)::value_type())) {
