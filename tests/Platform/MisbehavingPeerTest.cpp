@@ -73,6 +73,14 @@ class MisbehavingPeer : public ::testing::Test {
         return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
     }
 
+    /// True once no more threads are left: the system lists a joined one until it has cleared it away.
+    static bool areLeft(std::ptrdiff_t count) {
+        for (int i = 0; i < 1000 && threads() != count; ++i) {
+            std::this_thread::sleep_for(5ms);
+        }
+        return threads() == count;
+    }
+
     /// Loads from a peer in a session of its own, and then what is good.
     void expect(const Case& each, const Identity& identity, const std::function<void(SSL_CTX&)>& bend = {}) {
         SCOPED_TRACE(each.name);
@@ -108,7 +116,7 @@ class MisbehavingPeer : public ::testing::Test {
             EXPECT_EQ(outcomeOf(load(session, {.url = good_.url()})), Outcome("good"));
         }
         EXPECT_EQ(served_, served + 1) << "something else was asked for";
-        EXPECT_EQ(threads(), before);
+        EXPECT_TRUE(areLeft(before)) << threads() << " threads instead of " << before;
     }
 
     TemporaryDirectory directory_;
@@ -211,8 +219,8 @@ TEST_F(MisbehavingPeer, isNotTrustedWithoutAWholeChainToAnAuthority) {
     expect({"good", sized("3"), hold, "abc"}, identity_);
     expect({"TLS 1.1 only", "", hold, secureConnectionFailed}, identity_, old);
     const std::tuple<const char*, Identity, Code> cases[] = {
-        {"expired", bent({.notBefore = -7200, .notAfter = -60}), serverCertificateHasBadDate},
-        {"not yet valid", bent({.notBefore = 600}), serverCertificateNotYetValid},
+        {"expired", bent({.notBefore = -7200, .notAfter = -1800}), serverCertificateHasBadDate},
+        {"not yet valid", bent({.notBefore = 1800}), serverCertificateNotYetValid},
         {"another host's", bent({.alternativeNames = "DNS:a.example"}), serverCertificateHasWrongName},
         {"without names", bent({.alternativeNames = ""}), serverCertificateHasWrongName},
         {"without hosts", bent({.alternativeNames = "email:a@a.example"}), serverCertificateHasWrongName},
