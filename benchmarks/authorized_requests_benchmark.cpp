@@ -7,7 +7,6 @@
 
 #include "NimbuscopeKit/Networking/Networking.hpp"
 #include "NimbuscopeKit/Networking/UserServiceImpl.hpp"
-#include "Platform/Concurrency/SerialQueue.hpp"
 #include "Platform/Core/Fatal.hpp"
 #include "Platform/Linux/Security_openssl.hpp"
 #include "Platform/Linux/URLSession_curl.hpp"
@@ -33,7 +32,8 @@ class Client {
         Authorization authorization(store_, "device");
         authorization.key = "AKEXAMPLE";
         authorization.secret = "s3cret";
-        networking_ = Networking::make({*session_, queue_, main_, clock_, *hosts_, user_}, authorization);
+        networking_ =
+            Networking::make({*session_, session_->queue(), main_, clock_, *hosts_, user_}, authorization);
         platform::precondition(updated.has_value(), "a store in memory does not fail");
     }
 
@@ -60,8 +60,7 @@ class Client {
     UserServiceImpl user_{{}, nullptr, nullptr, {}};
     platform::SystemClock clock_;
     platform::MainRunLoop main_;
-    platform::SerialQueue queue_{"Network"};
-    std::unique_ptr<platform::URLSession> session_;
+    std::unique_ptr<platform::CurlURLSession> session_;
     std::shared_ptr<Networking> networking_;
 };
 

@@ -1,4 +1,4 @@
-// Signing a request, against the hashing of as many blocks as its signature needs at the speed of a long
+// The first signature of a day, against the hashing of as many blocks as it needs at the speed of a long
 // text. Times are per block.
 
 #include <cstdio>
@@ -41,14 +41,18 @@ int main() {
     const platform::URLRequest request{.url = std::string(url)};
     const platform::Data megabyte(std::size_t{1} << 20U, 0x5A);
     constexpr std::array<std::string_view, 1> host{"host"};
-    const auto now = std::chrono::system_clock::now();
+    auto now = std::chrono::system_clock::now();
     const std::string title = "a signature, " + std::to_string(needed) + " blocks";
-    const bool isKept = compare(
-        title,
-        {{"sign", [&] { benchmark::DoNotOptimize(signer.sign(request, host, "AKEXAMPLE", "s3cret", now)); },
-          static_cast<double>(needed)},
-         {"1 MiB", [&] { benchmark::DoNotOptimize(sha256.hash(megabyte)); },
-          static_cast<double>(blocks(megabyte.size()))}},
-        {{1, 2.7}});
+    const bool isKept =
+        compare(title,
+                {{"sign",
+                  [&] {
+                      now += std::chrono::days(1);
+                      benchmark::DoNotOptimize(signer.sign(request, host, "AKEXAMPLE", "s3cret", now));
+                  },
+                  static_cast<double>(needed)},
+                 {"1 MiB", [&] { benchmark::DoNotOptimize(sha256.hash(megabyte)); },
+                  static_cast<double>(blocks(megabyte.size()))}},
+                {{1, 2.7}});
     return isKept ? 0 : 1;
 }

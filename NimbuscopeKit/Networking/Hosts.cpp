@@ -106,6 +106,9 @@ DefaultsResult<void> Hosts::store(Table changes) {
 
 /// An index below `count` from random words, without favour (Lemire's multiplication with rejection).
 std::size_t Hosts::draw(std::size_t count) const {
+    if (count == 1) {
+        return 0;
+    }
     const std::uint64_t uneven = (std::uint64_t{0} - count) % count;  // 2^64 mod count
     for (;;) {
         std::array<std::uint8_t, 8> bytes{};

@@ -52,11 +52,10 @@ std::string timestamp(RequestSigner::Instant now) {
 
 std::string hexadecimal(const SHA256Digest& digest) {
     constexpr std::string_view digits = "0123456789abcdef";
-    std::string text;
-    text.reserve(2 * digest.size());
-    for (const std::uint8_t byte : digest) {
-        text += digits[byte >> 4U];
-        text += digits[byte & 0x0FU];
+    std::string text(2 * digest.size(), '\0');
+    for (std::size_t i = 0; i < digest.size(); ++i) {
+        text[2 * i] = digits[digest[i] >> 4U];
+        text[2 * i + 1] = digits[digest[i] & 0x0FU];
     }
     return text;
 }
@@ -128,12 +127,16 @@ Result<RequestSignature, URLError> RequestSigner::sign(const platform::URLReques
                             .signature = hexadecimal(signature)};
 }
 
-SHA256Digest RequestSigner::signingKey(std::string_view secret, std::string_view day) {
-    SHA256Digest key = sha256_.hmac(bytesOf("NB" + std::string(secret)), bytesOf(day));
-    for (const std::string_view part : scope) {
-        key = sha256_.hmac(key, bytesOf(part));
+const SHA256Digest& RequestSigner::signingKey(std::string_view secret, std::string_view day) {
+    if (day_ != day || secret_ != secret) {
+        key_ = sha256_.hmac(bytesOf("NB" + std::string(secret)), bytesOf(day));
+        for (const std::string_view part : scope) {
+            key_ = sha256_.hmac(key_, bytesOf(part));
+        }
+        day_ = day;
+        secret_ = secret;
     }
-    return key;
+    return key_;
 }
 
 }  // namespace nimbuscope

@@ -33,7 +33,8 @@ struct RequestSignature {
 [[nodiscard]] platform::Result<std::string, platform::URLError> canonicalRequest(std::string_view method,
                                                                                  std::string_view url);
 
-/// Signs requests. One thread at a time: it keeps its working memory.
+/// Signs requests. One thread at a time: it keeps its working memory, and the key that it derived last, which
+/// serves all requests of a day.
 class RequestSigner {
   public:
     using Instant = std::chrono::system_clock::time_point;
@@ -45,9 +46,12 @@ class RequestSigner {
         std::string_view key, std::string_view secret, Instant now);
 
   private:
-    [[nodiscard]] platform::SHA256Digest signingKey(std::string_view secret, std::string_view day);
+    [[nodiscard]] const platform::SHA256Digest& signingKey(std::string_view secret, std::string_view day);
 
     platform::SHA256 sha256_;
+    std::string secret_;  // what the key at hand was derived from
+    std::string day_;     // empty while there is none
+    platform::SHA256Digest key_{};
 };
 
 }  // namespace nimbuscope

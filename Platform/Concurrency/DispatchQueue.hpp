@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 
 namespace nimbuscope::platform {
@@ -16,9 +15,6 @@ class DispatchQueue {
 
     /// Hands `work` over and returns; it never runs before this returns on the calling thread.
     virtual void async(Work work) = 0;
-
-    /// Hands `work` over once `delay` has passed.
-    virtual void asyncAfter(std::chrono::nanoseconds delay, Work work) = 0;
 };
 
 }  // namespace nimbuscope::platform

@@ -4,6 +4,7 @@
 #include <asio/executor_work_guard.hpp>
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
+#include <chrono>
 #include <memory>
 
 #include "Platform/Concurrency/DispatchQueue.hpp"
@@ -14,6 +15,9 @@ namespace nimbuscope::platform {
 /// A thread's loop: the queue of its work, and its timers.
 class RunLoop : public DispatchQueue {
   public:
+    /// Hands `work` over once `delay` has passed.
+    virtual void asyncAfter(std::chrono::nanoseconds delay, Work work) = 0;
+
     /// Lets `timer` fire on the loop's thread from one interval after now. Any thread.
     virtual void add(std::shared_ptr<Timer> timer) = 0;
 };

@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <deque>
 #include <mutex>
@@ -24,9 +25,9 @@ constexpr int transfersPerServer = 6;
 constexpr long keptConnections = 24;
 constexpr std::size_t keptHandles = 64;
 
-class CurlURLSession final : public URLSession {
+class LoadingThread final : public CurlURLSession, DispatchQueue {
   public:
-    explicit CurlURLSession(URLSessionConfiguration configuration)
+    explicit LoadingThread(URLSessionConfiguration configuration)
         : configuration_(std::move(configuration)),
           trust_(TrustStore::load(configuration_.additionalAuthorities)) {
         precondition(multi_ != nullptr, "libcurl makes no multi handle");
@@ -34,20 +35,18 @@ class CurlURLSession final : public URLSession {
         worker_ = std::thread([this] { run(); });
     }
 
-    ~CurlURLSession() override {
-        {
-            const std::lock_guard lock(mutex_);
-            isStopping_ = true;
-        }
-        curl_multi_wakeup(multi_.get());
+    ~LoadingThread() override {
+        handOver([this] { isStopping_ = true; });
         worker_.join();
     }
-    CurlURLSession(const CurlURLSession&) = delete;
-    CurlURLSession& operator=(const CurlURLSession&) = delete;
+    LoadingThread(const LoadingThread&) = delete;
+    LoadingThread& operator=(const LoadingThread&) = delete;
 
     void dataTask(URLRequest request, URLSessionHandler handler) override;
 
     [[nodiscard]] const URLSessionConfiguration& configuration() const override { return configuration_; }
+
+    [[nodiscard]] DispatchQueue& queue() override { return *this; }
 
   private:
     struct Waiting {
@@ -72,8 +71,25 @@ class CurlURLSession final : public URLSession {
         void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
     };
 
+    void async(Work work) override {
+        handOver([&] { work_.push_back(std::move(work)); });
+    }
+
+    /// Runs `add` under the mutex and sees to it that the worker looks at what it added.
+    template <class Add>
+    void handOver(const Add& add) {
+        std::unique_lock lock(mutex_);
+        add();
+        const bool wasAsleep = std::exchange(isAsleep_, false);
+        lock.unlock();
+        if (wasAsleep) {
+            curl_multi_wakeup(multi_.get());
+        }
+    }
+
     void run();
-    [[nodiscard]] bool takeWaiting();
+    [[nodiscard]] bool takeHandedOver();
+    [[nodiscard]] bool mayFallAsleep();
     void startQueued(Server& server);
     void start(Waiting waiting, Server& server);
     void finishEnded();
@@ -86,8 +102,11 @@ class CurlURLSession final : public URLSession {
     Result<TrustStore, URLError> trust_;
 
     std::mutex mutex_;
-    std::vector<Waiting> waiting_;  // under the mutex
-    bool isStopping_ = false;       // under the mutex
+    // Under the mutex:
+    std::vector<Work> work_;
+    std::vector<Waiting> waiting_;
+    std::atomic<bool> isStopping_ = false;  // read without it
+    bool isAsleep_ = false;                 // the worker waits, or is about to, and must be woken
 
     // On the worker's thread alone.
     std::unique_ptr<CURLM, MultiCleanup> multi_{curl_multi_init()};
@@ -99,45 +118,62 @@ class CurlURLSession final : public URLSession {
     std::thread worker_;
 };
 
-void CurlURLSession::dataTask(URLRequest request, URLSessionHandler handler) {
+void LoadingThread::dataTask(URLRequest request, URLSessionHandler handler) {
     auto prepared = URLTransfer::prepare(std::move(request));
     if (!prepared || !trust_) {
         handler(std::unexpected(!prepared ? prepared.error() : trust_.error()));
         return;
     }
-    {
-        const std::lock_guard lock(mutex_);
-        waiting_.push_back({std::move(*prepared), std::move(handler)});
-    }
-    curl_multi_wakeup(multi_.get());
+    handOver([&] { waiting_.push_back({std::move(*prepared), std::move(handler)}); });
 }
 
-void CurlURLSession::run() {
-    ::pthread_setname_np(::pthread_self(), "URLSession");
+void LoadingThread::run() {
+    ::pthread_setname_np(::pthread_self(), "Network");
     // OpenSSL writes to connections that the peer has closed.
     sigset_t pipe;
     sigemptyset(&pipe);
     sigaddset(&pipe, SIGPIPE);
     ::pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
 
-    while (takeWaiting()) {
+    while (takeHandedOver()) {
         int running = 0;
         curl_multi_perform(multi_.get(), &running);
         finishEnded();
         finishOverdue();
-        curl_multi_poll(multi_.get(), nullptr, 0, millisecondsToWait(), nullptr);
+        if (mayFallAsleep()) {
+            curl_multi_poll(multi_.get(), nullptr, 0, millisecondsToWait(), nullptr);
+        }
     }
     cancelAll();
 }
 
-/// Takes what was handed over and starts what may start; false when the session ends instead.
-bool CurlURLSession::takeWaiting() {
+bool LoadingThread::mayFallAsleep() {
+    const std::lock_guard lock(mutex_);
+    isAsleep_ = work_.empty() && waiting_.empty() && !isStopping_;
+    return isAsleep_;
+}
+
+/// Does the work that was handed over and starts the requests that may start; false when the session ends
+/// instead.
+bool LoadingThread::takeHandedOver() {
+    std::vector<Work> works;
     std::vector<Waiting> waiting;
     {
         const std::lock_guard lock(mutex_);
+        isAsleep_ = false;
         if (isStopping_) {
             return false;
         }
+        works.swap(work_);
+    }
+    for (Work& work : works) {
+        if (isStopping_) {
+            return false;
+        }
+        work();
+    }
+    {
+        const std::lock_guard lock(mutex_);  // the requests that the work prepared are among them
         waiting.swap(waiting_);
     }
     for (Waiting& each : waiting) {
@@ -148,7 +184,7 @@ bool CurlURLSession::takeWaiting() {
     return true;
 }
 
-void CurlURLSession::startQueued(Server& server) {
+void LoadingThread::startQueued(Server& server) {
     while (!server.queued.empty() && server.underWay < transfersPerServer) {
         Waiting next = std::move(server.queued.front());
         server.queued.pop_front();
@@ -156,7 +192,7 @@ void CurlURLSession::startQueued(Server& server) {
     }
 }
 
-void CurlURLSession::start(Waiting waiting, Server& server) {
+void LoadingThread::start(Waiting waiting, Server& server) {
     CurlEasy handle;
     if (idleHandles_.empty()) {
         handle.reset(curl_easy_init());
@@ -175,7 +211,7 @@ void CurlURLSession::start(Waiting waiting, Server& server) {
     precondition(added == CURLM_OK, "libcurl does not take a transfer");
 }
 
-void CurlURLSession::finishEnded() {
+void LoadingThread::finishEnded() {
     int left = 0;
     while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &left)) {
         if (message->msg == CURLMSG_DONE) {
@@ -186,7 +222,7 @@ void CurlURLSession::finishEnded() {
 }
 
 /// Deadlines move with every byte; looking at them is put off until one can have passed.
-void CurlURLSession::finishOverdue() {
+void LoadingThread::finishOverdue() {
     const Instant now = std::chrono::steady_clock::now();
     if (now < nextDeadline_) {
         return;
@@ -205,7 +241,7 @@ void CurlURLSession::finishOverdue() {
     }
 }
 
-void CurlURLSession::finish(CURL* key, CURLcode outcome) {
+void LoadingThread::finish(CURL* key, CURLcode outcome) {
     curl_multi_remove_handle(multi_.get(), key);
     auto& [server, transfer] = transfers_.at(key);
     const bool isRepeating = transfer.shouldRepeat(outcome);
@@ -231,7 +267,7 @@ void CurlURLSession::finish(CURL* key, CURLcode outcome) {
 }
 
 /// Handlers may ask for more while they are told; that is cancelled as well.
-void CurlURLSession::cancelAll() {
+void LoadingThread::cancelAll() {
     const URLError cancelled{URLError::Code::cancelled, {"nimbuscope.url", 3, "the session has ended"}};
     std::vector<URLSessionHandler> handlers;
     for (auto& [handle, entry] : transfers_) {
@@ -261,7 +297,7 @@ void CurlURLSession::cancelAll() {
     }
 }
 
-int CurlURLSession::millisecondsToWait() const {
+int LoadingThread::millisecondsToWait() const {
     constexpr std::chrono::milliseconds longest{60'000};
     if (nextDeadline_ == Instant::max()) {
         return static_cast<int>(longest.count());
@@ -273,10 +309,10 @@ int CurlURLSession::millisecondsToWait() const {
 
 }  // namespace
 
-std::unique_ptr<URLSession> makeCurlURLSession(URLSessionConfiguration configuration) {
+std::unique_ptr<CurlURLSession> makeCurlURLSession(URLSessionConfiguration configuration) {
     static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
     precondition(initialised == CURLE_OK, "libcurl cannot be used");
-    return std::make_unique<CurlURLSession>(std::move(configuration));
+    return std::make_unique<LoadingThread>(std::move(configuration));
 }
 
 }  // namespace nimbuscope::platform

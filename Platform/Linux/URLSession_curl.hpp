@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "Platform/Concurrency/DispatchQueue.hpp"
 #include "Platform/URLLoading/URLSession.hpp"
 
 namespace nimbuscope::platform {
@@ -15,6 +16,13 @@ namespace nimbuscope::platform {
 /// configuration's cache is not used: see CachingURLSession.
 ///
 /// Must not be destroyed by one of its handlers.
-[[nodiscard]] std::unique_ptr<URLSession> makeCurlURLSession(URLSessionConfiguration configuration);
+class CurlURLSession : public URLSession {
+  public:
+    /// The serial queue of the session's thread, which is named "Network". Requests that are made there start
+    /// without a change of threads.
+    [[nodiscard]] virtual DispatchQueue& queue() = 0;
+};
+
+[[nodiscard]] std::unique_ptr<CurlURLSession> makeCurlURLSession(URLSessionConfiguration configuration);
 
 }  // namespace nimbuscope::platform

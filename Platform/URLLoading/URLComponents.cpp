@@ -145,8 +145,10 @@ std::optional<HostAndPort> hostAndPort(std::string_view text) {
 }
 
 /// What stands before the first of `delimiters`; it is taken off `rest`.
-std::string_view takeUntil(std::string_view& rest, std::string_view delimiters) {
-    const std::string_view taken = rest.substr(0, rest.find_first_of(delimiters));
+template <class... Delimiters>
+std::string_view takeUntil(std::string_view& rest, Delimiters... delimiters) {
+    const auto isDelimiter = [=](char character) { return ((character == delimiters) || ...); };
+    const std::string_view taken(rest.begin(), std::ranges::find_if(rest, isDelimiter));
     rest.remove_prefix(taken.size());
     return taken;
 }
@@ -189,7 +191,7 @@ Result<URLComponents, URLError> URLComponents::parse(std::string_view url) {
     if (components.scheme.empty()) {
         return badURL("does not begin with a scheme and \"://\"");
     }
-    std::string_view authority = takeUntil(rest, "/?#");
+    std::string_view authority = takeUntil(rest, '/', '?', '#');
     if (const std::size_t at = authority.rfind('@'); at != std::string_view::npos) {
         auto user = part(authority.substr(0, at), "user", isUserCharacter);
         if (!user) {
@@ -204,7 +206,7 @@ Result<URLComponents, URLError> URLComponents::parse(std::string_view url) {
     }
     components.host = place->host;
     components.port = place->port;
-    auto path = part(takeUntil(rest, "?#"), "path", isPathCharacter);
+    auto path = part(takeUntil(rest, '?', '#'), "path", isPathCharacter);
     if (!path) {
         return std::unexpected(std::move(path.error()));
     }
@@ -215,7 +217,7 @@ Result<URLComponents, URLError> URLComponents::parse(std::string_view url) {
             continue;
         }
         rest.remove_prefix(1);
-        auto text = part(mark == '?' ? takeUntil(rest, "#") : rest, name, isQueryCharacter);
+        auto text = part(mark == '?' ? takeUntil(rest, '#') : rest, name, isQueryCharacter);
         if (!text) {
             return std::unexpected(std::move(text.error()));
         }
@@ -235,7 +237,7 @@ std::vector<URLQueryItem> URLComponents::queryItems() const {
     }
     std::string_view rest = *percentEncodedQuery;
     for (;;) {
-        const std::string_view item = takeUntil(rest, "&");
+        const std::string_view item = takeUntil(rest, '&');
         const std::size_t equals = item.find('=');
         items.push_back({decoded(item.substr(0, equals)),
                          equals == std::string_view::npos ? std::nullopt

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <future>
+#include <string>
+#include <vector>
 
-#include "Platform/Concurrency/SerialQueue.hpp"
 #include "tests/support/ManualRunLoop.hpp"
 
 namespace nimbuscope::testing {
@@ -79,21 +79,6 @@ TEST(Timer, thatIsFiredByHandKeepsItsPlanIfItRepeats) {
     EXPECT_EQ(calls, 101);
     loop.advance(35s);
     EXPECT_EQ(calls, 104);
-}
-
-TEST(SerialQueue, runsOnePieceOfWorkAfterAnotherAndDropsWhatDidNotBegin) {
-    std::string order;
-    {
-        std::promise<void> done;
-        platform::SerialQueue queue("test");
-        for (char letter = 'a'; letter <= 'z'; ++letter) {
-            queue.async([&order, letter] { order += letter; });
-        }
-        queue.asyncAfter(1h, [&] { order += '!'; });
-        queue.asyncAfter(1ms, [&] { done.set_value(); });
-        done.get_future().wait();
-    }
-    EXPECT_EQ(order, "abcdefghijklmnopqrstuvwxyz");
 }
 
 }  // namespace

@@ -37,7 +37,7 @@ class URLSession : public ::testing::Test {
     std::mutex mutex_;
     std::set<int> ports_;  // of the clients
     HTTPSPeer peer_{[this](const auto& request, auto& response) { echo(request, response); }};
-    std::unique_ptr<platform::URLSession> session_ =
+    std::unique_ptr<platform::CurlURLSession> session_ =
         platform::makeCurlURLSession({.additionalAuthorities = peer_.authorityFile()});
 };
 
@@ -104,6 +104,29 @@ TEST_F(URLSession, loadsFromManyThreadsOverFewConnections) {
     done.wait();
     EXPECT_EQ(good, 200);
     EXPECT_LE(ports_.size(), 6U);
+}
+
+TEST_F(URLSession, hasASerialQueueOnTheThreadOfItsHandlers) {
+    std::string order;
+    std::promise<void> done;
+    session_->queue().async([&] {
+        const auto thread = std::this_thread::get_id();
+        const auto note = [&, thread](char letter) {
+            EXPECT_EQ(std::this_thread::get_id(), thread);
+            order += letter;
+        };
+        session_->queue().async([note] { note('b'); });
+        session_->dataTask({.url = peer_.url()}, [&, note](const URLSessionResult& result) {
+            EXPECT_TRUE(result);
+            note('d');
+            session_->queue().async([&, note] { note('e'), done.set_value(); });
+            note('d');
+        });
+        session_->queue().async([note] { note('c'); });
+        note('a');
+    });
+    done.get_future().wait();
+    EXPECT_EQ(order, "abcdde");
 }
 
 TEST_F(URLSession, offersHTTP2AndEndsWhatIsSlowOrUnderWay) {

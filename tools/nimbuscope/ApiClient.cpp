@@ -8,7 +8,6 @@
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/Security_openssl.hpp"
 #include "Platform/Linux/TimeZone_icu.hpp"
-#include "Platform/Linux/URLSession_curl.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -66,8 +65,9 @@ ApiClient::ApiClient(std::unique_ptr<Hosts> hosts, std::shared_ptr<NSUserDefault
         infoDictionary(), locale, std::make_shared<platform::ICUTimeZone>(platform::ICUTimeZone::current()),
         [group, locale] { return storedUnits(*group, *locale); });
     session_ = platform::makeCurlURLSession({.additionalAuthorities = caFile});
-    networking_ = Networking::make({*session_, queue_, main_, clock_, *hosts_, *userService_, errors_.get()},
-                                   {group, deviceKey(platform::MachineDeviceIdentifier())});
+    networking_ =
+        Networking::make({*session_, session_->queue(), main_, clock_, *hosts_, *userService_, errors_.get()},
+                         {group, deviceKey(platform::MachineDeviceIdentifier())});
 }
 
 std::string ApiClient::reasonOf(const RequestError& error) const {

@@ -10,7 +10,7 @@
 #include "NimbuscopeKit/Networking/Networking.hpp"
 #include "NimbuscopeKit/Networking/ServerSync.hpp"
 #include "NimbuscopeKit/Networking/UserServiceImpl.hpp"
-#include "Platform/Concurrency/SerialQueue.hpp"
+#include "Platform/Linux/URLSession_curl.hpp"
 
 namespace nimbuscope::tool {
 
@@ -69,8 +69,7 @@ class ApiClient {
     std::shared_ptr<UserServiceImpl> userService_;
     platform::SystemClock clock_;
     platform::MainRunLoop main_;
-    platform::SerialQueue queue_{"Network"};
-    std::unique_ptr<platform::URLSession> session_;
+    std::unique_ptr<platform::CurlURLSession> session_;
     std::shared_ptr<Networking> networking_;
 };
 
