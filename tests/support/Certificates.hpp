@@ -20,8 +20,21 @@ struct Certificate {
 
     /// The certificate alone, as PEM.
     [[nodiscard]] std::string pem() const {
+        return written([this](BIO* to) { PEM_write_bio_X509(to, x509.get()); });
+    }
+
+    /// The private key, as PEM.
+    [[nodiscard]] std::string keyPEM() const {
+        return written([this](BIO* to) {
+            PEM_write_bio_PrivateKey(to, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
+        });
+    }
+
+  private:
+    template <class Write>
+    static std::string written(const Write& write) {
         const std::unique_ptr<BIO, decltype(&BIO_free)> memory(BIO_new(BIO_s_mem()), BIO_free);
-        PEM_write_bio_X509(memory.get(), x509.get());
+        write(memory.get());
         char* text = nullptr;
         const long size = BIO_get_mem_data(memory.get(), &text);
         return {text, static_cast<std::size_t>(size)};

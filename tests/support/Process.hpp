@@ -40,6 +40,8 @@ class BackgroundProcess {
     /// Waits for a line of its standard output, or for its end.
     [[nodiscard]] std::string readLine() const;
 
+    [[nodiscard]] int identifier() const { return child_; }
+
   private:
     int output_ = -1;
     int child_ = -1;
