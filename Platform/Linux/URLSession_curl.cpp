@@ -32,6 +32,8 @@ class LoadingThread final : public CurlURLSession, DispatchQueue {
           trust_(TrustStore::load(configuration_.additionalAuthorities)) {
         precondition(multi_ != nullptr, "libcurl makes no multi handle");
         curl_multi_setopt(multi_.get(), CURLMOPT_MAXCONNECTS, keptConnections);
+        // In libcurl 7.88, streams that share a connection now and then stall for good.
+        curl_multi_setopt(multi_.get(), CURLMOPT_PIPELINING, CURLPIPE_NOTHING);
         worker_ = std::thread([this] { run(); });
     }
 

@@ -96,7 +96,6 @@ void URLTransfer::setUpSession(const URLSessionConfiguration& configuration) {
     setOption(curl, CURLOPT_NOSIGNAL, 1L);
     setOption(curl, CURLOPT_PROTOCOLS_STR, "https");
     setOption(curl, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
-    setOption(curl, CURLOPT_PIPEWAIT, 1L);
     setOption(curl, CURLOPT_PATH_AS_IS, 1L);
     setOption(curl, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     setOption(curl, CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});

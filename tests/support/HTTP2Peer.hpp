@@ -18,7 +18,8 @@
 
 namespace nimbuscope::testing {
 
-/// An HTTP/2 server, nghttpd, on a free port of the loopback interface, for the files of a directory.
+/// A server that speaks HTTP/2 alone, nghttpd, on a free port of the loopback interface, for the files of a
+/// directory.
 class HTTP2Peer {
   public:
     HTTP2Peer() {
