@@ -12,6 +12,9 @@ namespace nimbuscope {
 /// The endpoints of the mobile API, one operation each.
 class ApiService {
   public:
+    /// The process's one instance, over `Networking::default_()`.
+    [[nodiscard]] static ApiService& default_();
+
     explicit ApiService(std::shared_ptr<Networking> networking) : networking_(std::move(networking)) {}
 
     /// The map timeline. What the numbers mean, also when negative, the server decides. Calls back as

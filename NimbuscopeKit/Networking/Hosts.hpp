@@ -22,6 +22,10 @@ class Hosts {
   public:
     using Table = std::map<HostIdentifier, std::vector<std::string>>;
 
+    /// The process's one table, over the user's store, made with the first call; the queue of
+    /// `Networking::default_()` uses it. Stops the process when there is no such store to open.
+    [[nodiscard]] static Hosts& main();
+
     /// Reads the table. A stored value that is no list of texts counts as none; a store that cannot be read
     /// is an error.
     [[nodiscard]] static platform::DefaultsResult<std::unique_ptr<Hosts>> open(

@@ -53,6 +53,10 @@ class Networking final : public platform::NSObject, public std::enable_shared_fr
         ErrorTrackingService* errorTracking = nullptr;
     };
 
+    /// The process's one instance, over the user's stores and cache, made with the first call. Stops the
+    /// process when there are no such stores to open.
+    [[nodiscard]] static const std::shared_ptr<Networking>& default_();
+
     [[nodiscard]] static std::shared_ptr<Networking> make(Services services, Authorization authorization);
 
     [[nodiscard]] std::string_view className() const override { return "Networking"; }

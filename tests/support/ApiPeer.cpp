@@ -41,6 +41,7 @@ void ApiPeer::answer(const httplib::Request& request, httplib::Response& respons
     const auto reply = [&](int status, const std::string& body) {
         response.status = status;
         response.set_content(body, "application/json");
+        response.set_header("Cache-Control", "max-age=600");
     };
     log_ += request.method + ' ' + request.target + ' ' + request.body + '\n';
     for (const auto& [target, fault] : faults_) {

@@ -1,37 +1,12 @@
 #include "ApiClient.hpp"
 
 #include "NimbuscopeKit/Preferences/AppGroup.hpp"
-#include "NimbuscopeKit/Preferences/Migration.hpp"
-#include "NimbuscopeKit/Preferences/PreferencesServiceImpl.hpp"
 #include "Platform/Linux/DeviceIdentifier_machineid.hpp"
-#include "Platform/Linux/Locale_icu.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/Security_openssl.hpp"
-#include "Platform/Linux/TimeZone_icu.hpp"
+#include "UserServices.hpp"
 
 namespace nimbuscope::tool {
-namespace {
-
-using platform::ICULocale;
-using platform::NSUserDefaults;
-
-platform::DefaultsDictionary infoDictionary() {
-    return {{"CFBundleShortVersionString", std::string(NIMBUSCOPE_VERSION)},
-            {"CFBundleVersion", std::string(NIMBUSCOPE_BUILD)}};
-}
-
-/// The units as they are stored, or would be by the first start of the application; nothing is written.
-UnitsPreference storedUnits(const NSUserDefaults& group, const ICULocale& locale) {
-    const auto stored = group.object(PreferencesServiceImpl::appPreferencesKey);
-    const auto* data = stored && *stored ? (*stored)->as<platform::Data>() : nullptr;
-    const auto newest = data != nullptr ? migratedPreferences(*data) : platform::Data();
-    const auto record = newest ? platform::JSONDecoder().decode<AppPreferences>(platform::textOf(*newest))
-                               : std::unexpected(platform::DecodingError());
-    return (record ? *record : AppPreferences::fromUserDefaults(group, locale)).map.units;
-}
-
-}  // namespace
-
 CommandResult<std::unique_ptr<Hosts>> openHosts(const CommandLine& commandLine) {
     const auto group = commandLine.openStore(std::string(appGroupIdentifier));
     if (!group) {
@@ -57,13 +32,9 @@ CommandResult<std::unique_ptr<ApiClient>> ApiClient::open(const CommandLine& com
     return std::unique_ptr<ApiClient>(new ApiClient(std::move(*hosts), *storage, caFile));
 }
 
-ApiClient::ApiClient(std::unique_ptr<Hosts> hosts, std::shared_ptr<NSUserDefaults> group,
+ApiClient::ApiClient(std::unique_ptr<Hosts> hosts, std::shared_ptr<platform::NSUserDefaults> group,
                      const std::string& caFile)
-    : hosts_(std::move(hosts)) {
-    const auto locale = std::make_shared<ICULocale>(ICULocale::ofUser());
-    userService_ = std::make_shared<UserServiceImpl>(
-        infoDictionary(), locale, std::make_shared<platform::ICUTimeZone>(platform::ICUTimeZone::current()),
-        [group, locale] { return storedUnits(*group, *locale); });
+    : hosts_(std::move(hosts)), userService_(userServiceOver(group)) {
     session_ = platform::makeCurlURLSession({.additionalAuthorities = caFile});
     networking_ =
         Networking::make({*session_, session_->queue(), main_, clock_, *hosts_, *userService_, errors_.get()},
