@@ -142,6 +142,8 @@ Result<Data, PNGError> encodePNG(std::uint32_t width, std::uint32_t height,
     header.bit_depth = 8;
     header.color_type = SPNG_COLOR_TYPE_TRUECOLOR_ALPHA;
     int code = spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
+    // Coloured radar tiles get half as large, in half the time, as with PNG's filters.
+    code = code != 0 ? code : spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_DISABLE_FILTERING);
     code = code != 0 ? code : spng_set_ihdr(context.get(), &header);
     code = code != 0 ? code
                      : spng_encode_image(context.get(), pixels.data(), pixels.size(), SPNG_FMT_PNG,
