@@ -12,17 +12,10 @@
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/SQLite.hpp"
 #include "support/Ratios.hpp"
+#include "tests/support/FixedLocale.hpp"
 
 namespace nimbuscope::benchmarks {
 namespace {
-
-class MetricLocale final : public platform::Locale {
-  public:
-    [[nodiscard]] bool usesMetricSystem() const override { return true; }
-    [[nodiscard]] std::optional<std::string> displayNameOfCountry(std::string_view /*code*/) const override {
-        return std::nullopt;
-    }
-};
 
 /// A directory that is gone when the benchmark ends.
 class ScratchDirectory {
@@ -82,7 +75,7 @@ int run() {
     if (!standard || !group) {
         fail("the stores cannot be opened");
     }
-    PreferencesServiceImpl service(**standard, *group, nullptr, std::make_shared<MetricLocale>());
+    PreferencesServiceImpl service(**standard, *group, nullptr, std::make_shared<testing::FixedLocale>(true));
     AppPreferences stored = service.preferences();
     stored.main.ratingVersion = "5.2.1";
     stored.main.launchesCount = 1234;

@@ -149,7 +149,7 @@ struct RadarPreferences {
 
 /// The record of all settings, stored as one JSON object.
 struct AppPreferences {
-    /// Version of the record's schema. `Migrations.hpp` leads from each to the next.
+    /// Version of the record's schema. `Migration.hpp` leads from each to the next.
     enum class Version : std::int64_t { v1 = 1, v2, v3, v4, v5, v6, v7, v8, v9, v10, v11, v12 };
     friend constexpr auto caseTable(Version) {
         using enum Version;
