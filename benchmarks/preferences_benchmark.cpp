@@ -9,10 +9,10 @@
 
 #include "NimbuscopeKit/Preferences/PreferencesServiceImpl.hpp"
 #include "Platform/Core/UUID.hpp"
+#include "Platform/Linux/Locale_icu.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/SQLite.hpp"
 #include "support/Ratios.hpp"
-#include "tests/support/FixedLocale.hpp"
 
 namespace nimbuscope::benchmarks {
 namespace {
@@ -75,7 +75,8 @@ int run() {
     if (!standard || !group) {
         fail("the stores cannot be opened");
     }
-    PreferencesServiceImpl service(**standard, *group, nullptr, std::make_shared<testing::FixedLocale>(true));
+    PreferencesServiceImpl service(**standard, *group, nullptr,
+                                   std::make_shared<platform::ICULocale>("en_GB"));
     AppPreferences stored = service.preferences();
     stored.main.ratingVersion = "5.2.1";
     stored.main.launchesCount = 1234;
