@@ -221,7 +221,7 @@ void Networking::sendSigned(URLRequest request, DataHandler callback) {
     }
     const platform::HTTPHeaders headers = signature->headers();
     for (const auto& [name, value] : headers.fields()) {
-        request.headers.set(name, value);
+        request.headers.add(name, value);
     }
     load(std::move(request),
          [this, key = authorization_.key, callback = std::move(callback)](RequestResult<Data> reply) mutable {

@@ -78,7 +78,7 @@ class Networking final : public platform::NSObject, public std::enable_shared_fr
     void authorizedRequest(std::string path, std::string method, const std::vector<Header>& headers,
                            std::optional<platform::Data> body, RequestHandler<T> callback) {
         authorizedData(std::move(path), std::move(method), headers, std::move(body),
-                       [callback = std::move(callback)](RequestResult<platform::Data> reply) mutable {
+                       [this, callback = std::move(callback)](RequestResult<platform::Data> reply) mutable {
                            callback(decoded<T>(std::move(reply)));
                        });
     }
@@ -122,13 +122,12 @@ class Networking final : public platform::NSObject, public std::enable_shared_fr
         : services_(services), authorization_(std::move(authorization)) {}
 
     template <class T>
-    [[nodiscard]] static RequestResult<T> decoded(RequestResult<platform::Data> reply) {
+    [[nodiscard]] RequestResult<T> decoded(RequestResult<platform::Data> reply) {
         if (!reply) {
             return std::unexpected(std::move(reply.error()));
         }
         const auto decodedAs = [&]<class Whole>() {
-            return platform::JSONDecoder().decode<Whole>(platform::textOf(*reply),
-                                                         reply->capacity() - reply->size());
+            return decoder_.decode<Whole>(platform::textOf(*reply), reply->capacity() - reply->size());
         };
         if constexpr (ApiEnvelope<T>) {
             auto whole = decodedAs.template operator()<T>();
@@ -165,6 +164,7 @@ class Networking final : public platform::NSObject, public std::enable_shared_fr
     // On the queue alone:
     Authorization authorization_;
     RequestSigner signer_;
+    platform::JSONDecoder decoder_;
     bool authRequest_ = false;          // an exchange of credentials is under way
     std::uint64_t exchange_ = 0;        // number of the latest
     std::uint64_t failedExchange_ = 0;  // number of the latest that failed

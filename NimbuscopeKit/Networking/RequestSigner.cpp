@@ -72,14 +72,15 @@ std::string joined(const Texts& texts, char separator) {
     return result;
 }
 
-std::string canonicalQuery(const URLComponents& components) {
+void appendCanonicalQuery(std::string& text, const URLComponents& components) {
     auto items = components.queryItems();
     std::ranges::stable_sort(items, std::less(), &platform::URLQueryItem::name);
-    std::string query;
     for (const auto& item : items) {
-        query += (&item == items.data() ? "" : "&") + item.name + '=' + item.value.value_or("");
+        text += &item == items.data() ? "" : "&";
+        text += item.name;
+        text += '=';
+        text += item.value ? std::string_view(*item.value) : "";
     }
-    return query;
 }
 
 }  // namespace
@@ -97,10 +98,16 @@ Result<std::string, URLError> canonicalRequest(std::string_view method, std::str
     if (!components) {
         return std::unexpected(components.error());
     }
-    return joined(
-        std::array{std::string(method), platform::addingPercentEncodingForPath(components->path()),
-                   canonicalQuery(*components), "host:" + components->host, std::string("UNSIGNED-PAYLOAD")},
-        '\n');
+    std::string lines;
+    lines.reserve(method.size() + 3 * url.size() + 32);  // escaped, a byte takes three
+    lines += method;
+    lines += '\n';
+    lines += platform::addingPercentEncodingForPath(components->path());
+    lines += '\n';
+    appendCanonicalQuery(lines, *components);
+    lines += "\nhost:";
+    lines += components->host;
+    return lines += "\nUNSIGNED-PAYLOAD";
 }
 
 Result<RequestSignature, URLError> RequestSigner::sign(const platform::URLRequest& request,

@@ -277,6 +277,9 @@ bool isValidHostAndPort(std::string_view text) {
 }
 
 std::optional<std::string> removingPercentEncoding(std::string_view text) {
+    if (text.find('%') == std::string_view::npos) {
+        return std::string(text);
+    }
     std::string bytes;
     bytes.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
