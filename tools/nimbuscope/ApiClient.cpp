@@ -7,6 +7,7 @@
 #include "UserServices.hpp"
 
 namespace nimbuscope::tool {
+
 CommandResult<std::unique_ptr<Hosts>> openHosts(const CommandLine& commandLine) {
     const auto group = commandLine.openStore(std::string(appGroupIdentifier));
     if (!group) {

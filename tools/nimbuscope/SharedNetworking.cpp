@@ -16,11 +16,14 @@
 namespace nimbuscope {
 namespace {
 
-std::shared_ptr<platform::NSUserDefaults> groupOfUser() {
-    platform::SQLiteUserDefaultsSuites suites(platform::defaultStoreDirectory());
-    auto group = suites.suite(std::string(appGroupIdentifier));
-    platform::precondition(group.has_value(), "the user's store cannot be opened");
-    return std::move(*group);
+const std::shared_ptr<platform::NSUserDefaults>& groupOfUser() {
+    static const auto group = [] {
+        auto opened =
+            platform::SQLiteUserDefaultsSuites(platform::defaultStoreDirectory()).suite(appGroupIdentifier);
+        platform::precondition(opened.has_value(), "the user's store cannot be opened");
+        return std::move(*opened);
+    }();
+    return group;
 }
 
 std::shared_ptr<Networking> networkingOfUser() {
@@ -29,12 +32,9 @@ std::shared_ptr<Networking> networkingOfUser() {
         {.urlCache = platform::makeSQLiteURLCache(platform::defaultCacheDirectory())});
     static platform::CachingURLSession session(loader, clock);
     static const auto userService = tool::userServiceOver(groupOfUser());
-    platform::SQLiteUserDefaultsSuites suites(platform::defaultStoreDirectory());
-    const auto storage = Authorization::openStorage(suites);
-    platform::precondition(storage.has_value(), "the user's credentials cannot be opened");
     return Networking::make(
         {session, loader->queue(), platform::MainRunLoop::main(), *clock, Hosts::main(), *userService},
-        {*storage, deviceKey(platform::MachineDeviceIdentifier())});
+        {groupOfUser(), deviceKey(platform::MachineDeviceIdentifier())});
 }
 
 }  // namespace
