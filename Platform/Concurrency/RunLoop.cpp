@@ -33,8 +33,8 @@ void MainRunLoop::add(std::shared_ptr<Timer> timer) {
 }
 
 void MainRunLoop::run() {
-    context_.restart();
     context_.run();
+    context_.restart();
 }
 
 void MainRunLoop::stop() {

@@ -40,7 +40,7 @@ class MainRunLoop final : public RunLoop {
     /// Runs work and timers on the calling thread until `stop`. May be called again.
     void run();
 
-    /// Makes `run` return after the work at hand. Any thread.
+    /// Makes `run` return after the work at hand; the next one at once, if none is under way. Any thread.
     void stop();
 
   private:
