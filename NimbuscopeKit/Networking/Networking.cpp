@@ -219,10 +219,7 @@ void Networking::sendSigned(URLRequest request, DataHandler callback) {
         callback(std::unexpected(signature.error()));
         return;
     }
-    const platform::HTTPHeaders headers = signature->headers();
-    for (const auto& [name, value] : headers.fields()) {
-        request.headers.add(name, value);
-    }
+    request.headers.add(signature->headers());
     load(std::move(request),
          [this, key = authorization_.key, callback = std::move(callback)](RequestResult<Data> reply) mutable {
              // Several replies may refuse the same credentials, and newer ones may be there by then.

@@ -60,11 +60,15 @@ std::string hexadecimal(const SHA256Digest& digest) {
     return text;
 }
 
-template <class Texts>
-std::string joined(const Texts& texts, char separator) {
+std::string joined(std::span<const std::string_view> texts, char separator) {
+    std::size_t size = texts.size();
+    for (const std::string_view text : texts) {
+        size += text.size();
+    }
     std::string result;
-    for (const auto& text : texts) {
-        if (&text != &*std::begin(texts)) {
+    result.reserve(size);
+    for (const std::string_view& text : texts) {
+        if (&text != texts.data()) {
             result += separator;
         }
         result += text;
@@ -86,11 +90,13 @@ void appendCanonicalQuery(std::string& text, const URLComponents& components) {
 }  // namespace
 
 platform::HTTPHeaders RequestSignature::headers() const {
-    return {{"X-Nb-Algorithm", algorithm},
-            {"X-Nb-Credential", credential},
-            {"X-Nb-Date", date},
-            {"X-Nb-SignedHeaders", signedHeaders},
-            {"X-Nb-Signature", signature}};
+    platform::HTTPHeaders fields;
+    fields.add("X-Nb-Algorithm", algorithm);
+    fields.add("X-Nb-Credential", credential);
+    fields.add("X-Nb-Date", date);
+    fields.add("X-Nb-SignedHeaders", signedHeaders);
+    fields.add("X-Nb-Signature", signature);
+    return fields;
 }
 
 Result<std::string, URLError> canonicalRequest(std::string_view method, std::string_view url) {
@@ -120,15 +126,15 @@ Result<RequestSignature, URLError> RequestSigner::sign(const platform::URLReques
     }
     const std::string time = timestamp(now);
     const std::string_view day = std::string_view(time).substr(0, 8);
-    const std::string dayAndScope = std::string(day) + '/' + joined(scope, '/');
-    const std::string stringToSign = joined(
-        std::array{std::string(algorithm), time, dayAndScope, hexadecimal(sha256_.hash(bytesOf(*canonical)))},
-        '\n');
+    const std::string dayAndScope = joined(std::array{day, scope[0], scope[1], scope[2]}, '/');
+    const std::string hash = hexadecimal(sha256_.hash(bytesOf(*canonical)));
+    const std::string stringToSign =
+        joined(std::array<std::string_view, 4>{algorithm, time, dayAndScope, hash}, '\n');
     const SHA256Digest signature = sha256_.hmac(signingKey(secret, day), bytesOf(stringToSign));
     std::vector<std::string_view> names(signedHeaders.begin(), signedHeaders.end());
     std::ranges::sort(names);
     return RequestSignature{.algorithm = std::string(algorithm),
-                            .credential = std::string(key) + '/' + dayAndScope,
+                            .credential = joined(std::array<std::string_view, 2>{key, dayAndScope}, '/'),
                             .date = time,
                             .signedHeaders = joined(names, ','),
                             .signature = hexadecimal(signature)};

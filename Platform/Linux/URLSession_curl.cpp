@@ -69,6 +69,7 @@ class LoadingThread final : public CurlURLSession, DispatchQueue {
         Server& server;
         URLTransfer transfer;
     };
+    using Transfers = std::unordered_map<CURL*, Entry>;
     struct MultiCleanup {
         void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
     };
@@ -94,6 +95,7 @@ class LoadingThread final : public CurlURLSession, DispatchQueue {
     [[nodiscard]] bool mayFallAsleep();
     void startQueued(Server& server);
     void start(Waiting waiting, Server& server);
+    void clearEnded();
     void finishEnded();
     void finishOverdue();
     void finish(CURL* handle, CURLcode outcome);
@@ -113,8 +115,9 @@ class LoadingThread final : public CurlURLSession, DispatchQueue {
     // On the worker's thread alone.
     std::unique_ptr<CURLM, MultiCleanup> multi_{curl_multi_init()};
     std::unordered_map<std::string, Server> servers_;  // by host and port
-    std::unordered_map<CURL*, Entry> transfers_;
-    std::vector<CurlEasy> idleHandles_;
+    Transfers transfers_;
+    std::vector<Transfers::node_type> ended_;
+    std::vector<CurlEasy> readyHandles_;
     Instant nextDeadline_ = Instant::max();  // no transfer's deadline is earlier
 
     std::thread worker_;
@@ -143,6 +146,7 @@ void LoadingThread::run() {
         finishEnded();
         finishOverdue();
         if (mayFallAsleep()) {
+            clearEnded();
             curl_multi_poll(multi_.get(), nullptr, 0, millisecondsToWait(), nullptr);
         }
     }
@@ -195,13 +199,17 @@ void LoadingThread::startQueued(Server& server) {
 }
 
 void LoadingThread::start(Waiting waiting, Server& server) {
+    if (readyHandles_.empty()) {
+        clearEnded();
+    }
     CurlEasy handle;
-    if (idleHandles_.empty()) {
+    if (readyHandles_.empty()) {
         handle.reset(curl_easy_init());
         precondition(handle != nullptr, "libcurl makes no handle");
+        URLTransfer::makeReady(handle.get(), configuration_);
     } else {
-        handle = std::move(idleHandles_.back());
-        idleHandles_.pop_back();
+        handle = std::move(readyHandles_.back());
+        readyHandles_.pop_back();
     }
     CURL* const key = handle.get();
     const auto entry =
@@ -211,6 +219,18 @@ void LoadingThread::start(Waiting waiting, Server& server) {
     ++server.underWay;
     const CURLMcode added = curl_multi_add_handle(multi_.get(), key);
     precondition(added == CURLM_OK, "libcurl does not take a transfer");
+}
+
+/// Work that no request waits for, as it is done before falling asleep.
+void LoadingThread::clearEnded() {
+    for (auto& node : ended_) {
+        CurlEasy handle = node.mapped().transfer.takeHandle();
+        if (readyHandles_.size() < keptHandles) {
+            URLTransfer::makeReady(handle.get(), configuration_);
+            readyHandles_.push_back(std::move(handle));
+        }
+    }
+    ended_.clear();
 }
 
 void LoadingThread::finishEnded() {
@@ -245,26 +265,21 @@ void LoadingThread::finishOverdue() {
 
 void LoadingThread::finish(CURL* key, CURLcode outcome) {
     curl_multi_remove_handle(multi_.get(), key);
-    auto& [server, transfer] = transfers_.at(key);
+    Entry& entry = ended_.emplace_back(transfers_.extract(key)).mapped();
+    Server& server = entry.server;
+    URLTransfer& transfer = entry.transfer;
     const bool isRepeating = transfer.shouldRepeat(outcome);
     auto result = transfer.result(outcome);
     auto handler = transfer.takeHandler();
     auto prepared = transfer.takePrepared();
-    CurlEasy handle = transfer.takeHandle();
-    Server& freed = server;
-    transfers_.erase(key);
-    if (idleHandles_.size() < keptHandles) {
-        curl_easy_reset(key);
-        idleHandles_.push_back(std::move(handle));
-    }
-    --freed.underWay;
+    --server.underWay;
     if (isRepeating) {
         prepared.isRepeated = true;
-        freed.queued.push_front({std::move(prepared), std::move(handler)});
-        startQueued(freed);
+        server.queued.push_front({std::move(prepared), std::move(handler)});
+        startQueued(server);
         return;
     }
-    startQueued(freed);
+    startQueued(server);
     handler(std::move(result));
 }
 

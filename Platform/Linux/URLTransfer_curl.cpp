@@ -6,6 +6,7 @@
 
 #include "Platform/Core/Fatal.hpp"
 #include "Platform/Linux/URLError_curl.hpp"
+#include "Platform/URLLoading/CharacterSet.hpp"
 #include "Platform/URLLoading/URLComponents.hpp"
 
 namespace nimbuscope::platform {
@@ -19,13 +20,11 @@ void setOption(CURL* handle, CURLoption option, Value value) {
     precondition(set == CURLE_OK, "libcurl lacks an option that the session needs");
 }
 
-/// RFC 9110, tchar.
+// RFC 9110, tchar.
+constexpr CharacterSet isTokenCharacter(isAlphanumeric, "!#$%&'*+-.^_`|~");
+
 bool isToken(std::string_view text) {
-    return !text.empty() && std::ranges::all_of(text, [](char character) {
-        return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z') ||
-               (character >= '0' && character <= '9') ||
-               std::string_view("!#$%&'*+-.^_`|~").find(character) != std::string_view::npos;
-    });
+    return !text.empty() && std::ranges::all_of(text, isTokenCharacter);
 }
 
 bool isFieldValue(std::string_view text) {
@@ -86,13 +85,13 @@ URLTransfer::URLTransfer(CurlEasy handle, Prepared prepared, URLSessionHandler h
         setOption(curl, data, this);
     }
     setOption(curl, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(idleInterval_.count()));
-    setUpSession(configuration);
     setUpRequest();
+    setUpHeaderLines();
     response_.url = prepared_.request.url;
 }
 
-void URLTransfer::setUpSession(const URLSessionConfiguration& configuration) {
-    CURL* const curl = handle_.get();
+void URLTransfer::makeReady(CURL* curl, const URLSessionConfiguration& configuration) {
+    curl_easy_reset(curl);
     setOption(curl, CURLOPT_NOSIGNAL, 1L);
     setOption(curl, CURLOPT_PROTOCOLS_STR, "https");
     setOption(curl, CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS});
@@ -129,26 +128,36 @@ void URLTransfer::setUpRequest() {
     } else if (request.httpMethod != "GET" && request.httpMethod != "POST") {
         setOption(curl, CURLOPT_CUSTOMREQUEST, request.httpMethod.c_str());
     }
-    const auto append = [this](const std::string& line) {
-        curl_slist* longer = curl_slist_append(headerLines_.get(), line.c_str());
-        precondition(longer != nullptr, "no memory for header lines");
-        static_cast<void>(headerLines_.release());
-        headerLines_.reset(longer);
+}
+
+/// libcurl's list of lines, in one piece of memory.
+void URLTransfer::setUpHeaderLines() {
+    constexpr std::size_t usual = 512;
+    headerText_.reserve(usual);
+    const auto append = [this](std::string_view name, std::string_view mark, std::string_view value) {
+        ((headerText_ += name) += mark) += value;
+        headerText_ += '\0';
     };
-    for (const auto& [name, value] : request.headers.fields()) {
-        std::string line = name;
-        line += value.empty() ? ";" : ": ";  // "name:" would remove libcurl's own
-        append(line += value);
+    const HTTPHeaders& headers = prepared_.request.headers;
+    for (const auto& [name, value] : headers.fields()) {
+        append(name, value.empty() ? ";" : ": ", value);  // "name:" would remove libcurl's own
     }
-    if (!request.headers.contains("Accept-Encoding")) {
-        append("Accept-Encoding: " + std::string(ContentDecoder::acceptedEncodings));
+    if (!headers.contains("Accept-Encoding")) {
+        append("Accept-Encoding", ": ", ContentDecoder::acceptedEncodings);
     }
     for (const char* name : {"Content-Type", "Expect"}) {  // which libcurl adds to a POST unasked
-        if (!request.headers.contains(name)) {
-            append(std::string(name) + ':');
+        if (!headers.contains(name)) {
+            append(name, ":", "");
         }
     }
-    setOption(curl, CURLOPT_HTTPHEADER, headerLines_.get());
+    headerLines_.reserve(headers.fields().size() + 3);
+    for (std::size_t i = 0; i < headerText_.size(); i = headerText_.find('\0', i) + 1) {
+        headerLines_.push_back({&headerText_[i], nullptr});
+    }
+    for (std::size_t i = 1; i < headerLines_.size(); ++i) {
+        headerLines_[i - 1].next = &headerLines_[i];
+    }
+    setOption(handle_.get(), CURLOPT_HTTPHEADER, headerLines_.data());
 }
 
 URLTransfer::Instant URLTransfer::deadline() const {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Platform/Linux/ContentDecoder_zlib.hpp"
 #include "Platform/Linux/TrustStore_openssl.hpp"
@@ -36,8 +37,11 @@ class URLTransfer {
     /// Fails with `badURL` or `unsupportedURL`.
     [[nodiscard]] static Result<Prepared, URLError> prepare(URLRequest request);
 
-    /// Sets `handle`, new or reset, up to send `prepared`.
-    /// `configuration` and `trust` must live as long.
+    /// Sets `handle`, new or used, up for transfers in a session.
+    static void makeReady(CURL* handle, const URLSessionConfiguration& configuration);
+
+    /// Sets `handle`, which was made ready, up to send `prepared`. `configuration` and `trust` must live as
+    /// long.
     URLTransfer(CurlEasy handle, Prepared prepared, URLSessionHandler handler,
                 const URLSessionConfiguration& configuration, const TrustStore& trust);
     URLTransfer(const URLTransfer&) = delete;
@@ -69,8 +73,8 @@ class URLTransfer {
     static int onConnected(void* transfer, char*, char*, int, int);
     static CURLcode onTLS(CURL*, void* context, void* transfer);
 
-    void setUpSession(const URLSessionConfiguration& configuration);
     void setUpRequest();
+    void setUpHeaderLines();
     [[nodiscard]] bool takeHeader(std::string_view line);
     [[nodiscard]] bool endHeaders();
     [[nodiscard]] bool takeBody(std::string_view bytes);
@@ -79,15 +83,12 @@ class URLTransfer {
     [[nodiscard]] std::optional<URLError> faultOfWholeResponse() const;
     [[nodiscard]] bool refuse(URLError::Code code, CURLcode number, std::string reason);
 
-    struct HeaderLinesFree {
-        void operator()(curl_slist* lines) const { curl_slist_free_all(lines); }
-    };
-
     CurlEasy handle_;
     Prepared prepared_;
     URLSessionHandler handler_;
     const TrustStore& trust_;
-    std::unique_ptr<curl_slist, HeaderLinesFree> headerLines_;
+    std::string headerText_;  // lines that end with NUL
+    std::vector<curl_slist> headerLines_;
     std::array<char, CURL_ERROR_SIZE> errorText_{};
 
     std::size_t maximumHeaderSize_;

@@ -1,6 +1,7 @@
 #include "Platform/URLLoading/HTTPHeaders.hpp"
 
 #include <algorithm>
+#include <iterator>
 
 namespace nimbuscope::platform {
 namespace {
@@ -36,7 +37,16 @@ void HTTPHeaders::set(std::string_view name, std::string_view value) {
 }
 
 void HTTPHeaders::add(std::string_view name, std::string_view value) {
+    constexpr std::size_t usual = 8;
+    if (fields_.empty()) {
+        fields_.reserve(usual);
+    }
     fields_.push_back({std::string(name), std::string(value)});
+}
+
+void HTTPHeaders::add(HTTPHeaders more) {
+    fields_.insert(fields_.end(), std::make_move_iterator(more.fields_.begin()),
+                   std::make_move_iterator(more.fields_.end()));
 }
 
 void HTTPHeaders::remove(std::string_view name) {

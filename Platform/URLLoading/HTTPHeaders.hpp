@@ -32,6 +32,7 @@ class HTTPHeaders {
 
     /// Appends a field beside others of that name.
     void add(std::string_view name, std::string_view value);
+    void add(HTTPHeaders more);
 
     void remove(std::string_view name);
 

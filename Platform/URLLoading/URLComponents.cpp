@@ -1,11 +1,11 @@
 #include "Platform/URLLoading/URLComponents.hpp"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <utility>
 
 #include "Platform/Coding/JSONDocument.hpp"
+#include "Platform/URLLoading/CharacterSet.hpp"
 
 namespace nimbuscope::platform {
 namespace {
@@ -18,27 +18,8 @@ bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-/// A set of ASCII characters, made once, that tells membership by a look into a table.
-class CharacterSet {
-  public:
-    constexpr CharacterSet(const CharacterSet& base, std::string_view more) : contains_(base.contains_) {
-        for (const char character : more) {
-            contains_[static_cast<unsigned char>(character)] = true;
-        }
-    }
-    constexpr explicit CharacterSet(std::string_view members) : CharacterSet(CharacterSet(), members) {}
-
-    constexpr bool operator()(char character) const {
-        return contains_[static_cast<unsigned char>(character)];
-    }
-
-  private:
-    constexpr CharacterSet() = default;
-    std::array<bool, 256> contains_{};
-};
-
 // RFC 3986: unreserved and sub-delims, and what each part adds to them.
-constexpr CharacterSet plain("abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~!$&'()*+,;=");
+constexpr CharacterSet plain(isAlphanumeric, "-._~!$&'()*+,;=");
 constexpr CharacterSet isUserCharacter(plain, ":");
 constexpr CharacterSet isPathCharacter(plain, ":@/");
 constexpr CharacterSet isQueryCharacter(isPathCharacter, "?");
@@ -236,6 +217,7 @@ std::vector<URLQueryItem> URLComponents::queryItems() const {
         return items;
     }
     std::string_view rest = *percentEncodedQuery;
+    items.reserve(static_cast<std::size_t>(std::ranges::count(rest, '&')) + 1);
     for (;;) {
         const std::string_view item = takeUntil(rest, '&');
         const std::size_t equals = item.find('=');
