@@ -48,6 +48,12 @@ std::size_t BareHandle::load() {
     return body_.size();
 }
 
+void BareHandle::load(int count) {
+    for (int i = 0; i < count; ++i) {
+        load();
+    }
+}
+
 BareMulti::BareMulti(std::size_t count, const std::string& url, const std::string& authorityFile)
     : multi_(curl_multi_init()) {
     for (std::size_t i = 0; i < count; ++i) {

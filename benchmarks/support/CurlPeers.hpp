@@ -18,6 +18,7 @@ class BareHandle {
 
     /// Loads the URL once; the size of the body. Stops the program when that fails.
     std::size_t load();
+    void load(int count);
 
     [[nodiscard]] void* handle() const { return handle_; }
     [[nodiscard]] std::string& body() { return body_; }
