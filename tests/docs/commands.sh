@@ -1,6 +1,7 @@
 #!/bin/sh
 # Runs the commands that the documents show, each document's in order, in a directory of its own that looks like the
-# top of the tree behind `scripts/run`; compares what a block prints with the fence right below it, where there is one.
+# top of the tree behind `scripts/run`. What a block prints must be in the fence right below it, where there is one, and
+# the pictures that are drawn into docs must be those of the tree.
 #   tests/docs/commands.sh SOURCE-DIRECTORY BINARY-DIRECTORY
 # A block is left out by the line above it: <!-- not run: REASON -->
 set -eu
@@ -30,7 +31,7 @@ extract='
 
 mkdir "$directory/top" "$directory/home"
 cd "$directory/top"
-mkdir -p build/release docs
+mkdir -p build/release docs/legends
 cp -r "$top/docs/sample" docs/
 ln -s "$binaries/tools" "$binaries/NimbuscopeIntentHandler" build/release/
 export NIMBUSCOPE_STORE=build/release/sample-store
@@ -65,6 +66,10 @@ for document in "$top"/README.md "$top"/CONTRIBUTING.md "$top"/docs/*.md "$top"/
             echo "${document#"$top"/} shows another output (<) than its commands print (>)"
             failed=1
         }
+    done
+    cd ../run
+    for picture in $(find docs -name '*.png'); do
+        cmp "$picture" "$top/$picture" || failed=1
     done
 done
 [ "$count" -gt 5 ] || { echo "only $count blocks found"; failed=1; }

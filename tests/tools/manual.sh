@@ -11,7 +11,7 @@ export LC_ALL=C
 cp "$2" "$directory/"
 failed=0
 mandoc -T lint -W warning "$directory"/*.1 || failed=1
-mandoc -T ascii -O width=400 "$directory/nimbuscope.1" | col -bx >"$directory/text"
+mandoc -T ascii -O width=400 "$directory/nimbuscope.1" | sed "s/.$(printf "\\b")//g" >"$directory/text"
 
 section() { # HEADING: its lines
     awk -v heading="$1" '/^ ? ? ?[^ ]/ { isInside = $0 ~ "^ *" heading "$" } isInside' "$directory/text"
