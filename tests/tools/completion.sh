@@ -93,7 +93,7 @@ mv out fish.out
 
 sorted() { # FILE: the words of each line; whether a slash ends directories is left to the shells
     while read -r line; do
-        # shellcheck disable=SC2086
+        # shellcheck disable=SC2005,SC2046,SC2086
         echo $(printf '%s\n' $line | sed 's,/$,,' | sort)
     done <"$1"
 }

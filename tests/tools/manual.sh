@@ -43,5 +43,10 @@ missing() { # WHAT COMMAND…
     failed=1
 }
 check
+for method in $("$program" intents --help | sed -n 's/.*METHOD TEXT:{\(.*\)}.*/\1/p' | tr , ' '); do
+    grep -qx "\.It Ic $method" "$2" || missing "$method" "of the extension"
+    methods=$((${methods:-0} + 1))
+done
+[ "${methods:-0}" -gt 5 ] || { echo "only ${methods:-0} methods found"; failed=1; }
 [ $commands -gt 30 ] || { echo "only $commands commands found"; failed=1; }
 exit $failed

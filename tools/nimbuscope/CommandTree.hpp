@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What the parser knows about the command line, for those that print it: manual and completion scripts.
