@@ -9,8 +9,8 @@ namespace {
 constexpr const char* beginning =
     R"sh(# Completion of nimbuscope for bash, written by: nimbuscope completion bash
 
-# What can stand at a place: sets `words` and `paths`. False for what is no place. Places are commands, options
-# with a value (behind their command), and numbers for values without a name; "*" is any further one.
+# What can stand at a place: sets `words` and `paths`. False for what is no place. Places are commands, and
+# behind them options with a value, "-" for a new option, numbers for values without a name, "*" for more.
 _nimbuscope_at() {
     words= paths=
     case $1 in

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "CommandTree.hpp"
 #include "Files.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/StoreDirectory.hpp"
@@ -74,6 +75,10 @@ CommandResult<std::shared_ptr<platform::NSUserDefaults>> CommandLine::openStore(
         return std::unexpected(CommandError{"store", store.error().message()});
     }
     return std::move(*store);
+}
+
+CommandDescription CommandLine::description() const {
+    return describe(app_);
 }
 
 int CommandLine::run(int argumentCount, const char* const* arguments) {

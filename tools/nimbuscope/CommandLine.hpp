@@ -6,11 +6,12 @@
 #include <string>
 #include <string_view>
 
-#include "CommandTree.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 
 namespace nimbuscope::tool {
+
+struct CommandDescription;
 
 /// Why a command failed: printed as `nimbuscope: WHAT: WHY`.
 struct CommandError {
@@ -49,7 +50,7 @@ class CommandLine {
         const std::string& suite) const;
 
     /// All that has been added.
-    [[nodiscard]] CommandDescription description() const { return describe(app_); }
+    [[nodiscard]] CommandDescription description() const;
 
     /// Parses the arguments, runs the verb and returns the exit code.
     int run(int argumentCount, const char* const* arguments);

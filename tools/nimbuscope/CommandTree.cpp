@@ -1,31 +1,29 @@
 #include "CommandTree.hpp"
 
-#include <algorithm>
-#include <array>
+#include <tuple>
 
 namespace nimbuscope::tool {
 namespace {
 
-ValueKind kindOf(const std::string& valueName) {
-    constexpr std::array files{"FILE", "PNG"};
+ValueKind kindOf(std::string_view valueName) {
     if (valueName.empty()) {
         return ValueKind::none;
     }
     if (valueName == "DIR") {
         return ValueKind::directory;
     }
-    return std::ranges::find(files, valueName) != files.end() ? ValueKind::file : ValueKind::text;
+    return valueName == "FILE" || valueName == "PNG" ? ValueKind::file : ValueKind::text;
 }
 
-/// What the option's check says of itself: "{a,b}", "INT in [1 - 1024]" or nothing.
-std::string checkOf(const CLI::Option& option) {
-    const std::string type = option.get_type_name();
+/// The name of the value, and what the option's check says of itself, which the parser has behind a colon:
+/// "TEXT:{a,b}", "INT:INT in [1 - 1024]". A name may hold colons too.
+std::pair<std::string, std::string> nameAndCheck(const std::string& type) {
     for (const char* beginning : {":{", ":INT in", ":FLOAT in", ":POSITIVE"}) {
         if (const auto at = type.rfind(beginning); at != std::string::npos) {
-            return type.substr(at + 1);
+            return {type.substr(0, at), type.substr(at + 1)};
         }
     }
-    return {};
+    return {type, ""};
 }
 
 OptionDescription describe(const CLI::Option& option) {
@@ -36,15 +34,12 @@ OptionDescription describe(const CLI::Option& option) {
     for (const std::string& name : option.get_lnames()) {
         result.names.push_back("--" + name);
     }
-    const std::string check = checkOf(option);
-    result.valueName = option.get_type_name();
-    if (!check.empty()) {
-        result.valueName.resize(result.valueName.size() - check.size() - 1);
-    }
+    std::string check;
+    std::tie(result.valueName, check) = nameAndCheck(option.get_type_name());
     result.kind = kindOf(result.valueName);
     if (option.get_positional()) {
-        result.kind = result.kind == ValueKind::text ? kindOf(option.get_name(true)) : result.kind;
         result.valueName = option.get_name(true);
+        result.kind = result.kind == ValueKind::text ? kindOf(result.valueName) : result.kind;
     }
     if (check.starts_with('{')) {
         result.values = CLI::detail::split(check.substr(1, check.size() - 2), ',');
