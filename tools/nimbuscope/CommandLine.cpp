@@ -5,6 +5,7 @@
 #include <csignal>
 #include <cstdio>
 
+#include "CommandTree.hpp"
 #include "Files.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/StoreDirectory.hpp"
@@ -30,7 +31,7 @@ CommandLine::CommandLine() : app_("Works with Nimbuscope's stores, intents and r
             "--store", storeOption_,
             "Directory of the key-value stores; default $NIMBUSCOPE_STORE, else $XDG_DATA_HOME/nimbuscope")
         ->type_name("DIR");
-    app_.footer("Example: nimbuscope places list --json");
+    app_.footer(std::string(exampleMark) + "nimbuscope places list --json");
 }
 
 CLI::App& CommandLine::addNoun(const std::string& name, const std::string& description) {
@@ -48,7 +49,7 @@ CLI::App& CommandLine::addCommand(const std::string& name, const std::string& de
 CLI::App& CommandLine::addVerb(CLI::App& parent, const std::string& name, const std::string& description,
                                const std::string& example, Action action) {
     CLI::App& verb = *parent.add_subcommand(name, description);
-    verb.footer("Example: " + example);
+    verb.footer(std::string(exampleMark) + example);
     verb.callback([this, action = std::move(action)] { selected_ = action; });
     return verb;
 }
@@ -74,6 +75,10 @@ CommandResult<std::shared_ptr<platform::NSUserDefaults>> CommandLine::openStore(
         return std::unexpected(CommandError{"store", store.error().message()});
     }
     return std::move(*store);
+}
+
+CommandDescription CommandLine::description() const {
+    return describe(app_);
 }
 
 int CommandLine::run(int argumentCount, const char* const* arguments) {

@@ -11,6 +11,8 @@
 
 namespace nimbuscope::tool {
 
+struct CommandDescription;
+
 /// Why a command failed: printed as `nimbuscope: WHAT: WHY`.
 struct CommandError {
     std::string what;  ///< what was attempted, or the file that is at fault
@@ -47,6 +49,9 @@ class CommandLine {
     [[nodiscard]] CommandResult<std::shared_ptr<platform::NSUserDefaults>> openStore(
         const std::string& suite) const;
 
+    /// All that has been added.
+    [[nodiscard]] CommandDescription description() const;
+
     /// Parses the arguments, runs the verb and returns the exit code.
     int run(int argumentCount, const char* const* arguments);
 
@@ -61,11 +66,13 @@ class CommandLine {
 /// The noun that commands work with, each in a file of its own.
 void addApi(CommandLine& commandLine);
 void addCatalogue(CommandLine& commandLine);
+void addCompletion(CommandLine& commandLine);
 void addDefaults(CommandLine& commandLine);
 void addForecast(CommandLine& commandLine);
 void addHosts(CommandLine& commandLine);
 void addIntents(CommandLine& commandLine);
 void addLocation(CommandLine& commandLine);
+void addManual(CommandLine& commandLine);
 void addMap(CommandLine& commandLine);
 void addMaps(CommandLine& commandLine);
 void addPalette(CommandLine& commandLine);

@@ -19,5 +19,7 @@ int main(int argumentCount, char** arguments) {
     tool::addForecast(commandLine);
     tool::addCatalogue(commandLine);
     tool::addLocation(commandLine);
+    tool::addCompletion(commandLine);
+    tool::addManual(commandLine);
     return commandLine.run(argumentCount, arguments);
 }

@@ -198,6 +198,7 @@ void addEncode(CommandLine& commandLine, CLI::App& parent) {
                                      "nimbuscope tile encode storm.pgm -o storm.rad2",
                                      [options](std::string& output) { return encode(*options, output); });
     verb.add_option("IN", options->input, "8-bit PGM (P5) or PNG, grey or indexed; - for standard input")
+        ->type_name("FILE")
         ->required();
     verb.add_option("-o,--output", options->file, "File to write; - for standard output")
         ->type_name("FILE")
