@@ -33,6 +33,8 @@ add_library(nimbuscope_shared_options INTERFACE)
 target_compile_options(nimbuscope_shared_options INTERFACE -fno-semantic-interposition)
 target_link_options(nimbuscope_shared_options INTERFACE -Wl,-z,defs)
 
+set(NIMBUSCOPE_LIBRARY_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+
 # Programs keep to the libraries of one such version.
 set(NIMBUSCOPE_ABI ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 
@@ -78,6 +80,7 @@ function(nimbuscope_component NAME)
     OUTPUT_NAME ${library}
     VERSION ${PROJECT_VERSION}
     SOVERSION ${NIMBUSCOPE_ABI}
+    LIBRARY_OUTPUT_DIRECTORY ${NIMBUSCOPE_LIBRARY_DIRECTORY}
     NIMBUSCOPE_LINKS "${ARG_LINKS}"
     NIMBUSCOPE_PRIVATE_LINKS "${ARG_PRIVATE_LINKS}")
   target_include_directories(${NAME} PUBLIC $<INSTALL_INTERFACE:${NIMBUSCOPE_INCLUDE_DIRECTORY}>)
