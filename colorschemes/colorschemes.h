@@ -15,6 +15,9 @@
 #include <stddef.h>
 #include <stdint.h>
 
+/* What a shared library of this offers; all else is hidden. */
+#define CS_EXPORT __attribute__((visibility("default")))
+
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -68,28 +71,28 @@ typedef enum ColorStopListFault {
 
 /* All stop lists, followed by the records of the palettes in stored order: for each a 32-bit id, four zero
  * bytes and four pairs of 64-bit offset and count, least significant byte first. */
-extern const uint8_t NB_PALETTES[];
-extern const size_t nb_palettes_size;
+CS_EXPORT extern const uint8_t NB_PALETTES[];
+CS_EXPORT extern const size_t nb_palettes_size;
 
 /* The number of palettes, once the tables are built; 0 before. */
-extern uint32_t nb_colors_palette_sources_count;
+CS_EXPORT extern uint32_t nb_colors_palette_sources_count;
 
 /* The tables of all palettes, 4096 bytes each (smooth, then banded); null until they are built. */
-extern uint8_t* nb_colors_palette;
+CS_EXPORT extern uint8_t* nb_colors_palette;
 
 /* Writes to `out` the colour at `t` between `from` and `to`: each channel is from + (to - from) * t as one
  * fused multiply-add, truncated towards zero, of which the low eight bits are kept. A channel that is not
  * finite becomes 0. Does nothing when a pointer is null. */
-void cs_interpolate_color(const uint8_t* from, const uint8_t* to, uint8_t* out, double t);
+CS_EXPORT void cs_interpolate_color(const uint8_t* from, const uint8_t* to, uint8_t* out, double t);
 
 /* Parses the stop at `bytes` into `entry` and returns its size: 5, 6, 8 or 10; 0 when a pointer is null.
  * The whole stop must be readable. */
-size_t cs_get_palette_entry(const uint8_t* bytes, ColorPaletteEntry* entry);
+CS_EXPORT size_t cs_get_palette_entry(const uint8_t* bytes, ColorPaletteEntry* entry);
 
 /* Looks over a stop list of at most `size` bytes that came from outside; nothing beyond them is read. Unless
  * `offset` is null it receives the byte at which the fault was found, or the size of a sound list with its
  * terminator. The other functions may be given every list that is sound. */
-ColorStopListFault cs_check_stop_list(const uint8_t* stopList, size_t size, size_t* offset);
+CS_EXPORT ColorStopListFault cs_check_stop_list(const uint8_t* stopList, size_t size, size_t* offset);
 
 /* Renders the entries `start` ..< `count` of a smooth table to out[4 * start] ..< out[4 * count]; the entries
  * before are not touched. The first entry lies at position `from`, the last one at `to` (an only entry at
@@ -98,35 +101,36 @@ ColorStopListFault cs_check_stop_list(const uint8_t* stopList, size_t size, size
  * The list must be terminated: see cs_check_stop_list. Answers 0, and writes nothing, when `out` is null or
  * the list is null, empty or has a header that is not zero; the first and the last are also reported on
  * standard error as "Invalid color palette header". */
-int cs_render_pal_colors(uint8_t* out, const uint8_t* stopList, double from, double to, uint32_t start,
-                         uint32_t count);
+CS_EXPORT int cs_render_pal_colors(uint8_t* out, const uint8_t* stopList, double from, double to,
+                                   uint32_t start, uint32_t count);
 
 /* Bands a table of firstCount + secondCount entries in place: in each of the two parts, entries 3 to 6 take
  * the colour of entry 2, 8 to 11 that of entry 7, and so on; entries 0 and 1 stay. Answers 0 when `colors` is
  * null. */
-int cs_render_indexed_colors(uint8_t* colors, uint32_t firstCount, uint32_t secondCount);
+CS_EXPORT int cs_render_indexed_colors(uint8_t* colors, uint32_t firstCount, uint32_t secondCount);
 
 /* Copies to `record` the palette of a scheme number. Numbering 2 is that of users' colour-scheme choices, 1
  * an older one; both send numbers that they do not know to the palette of raw values (0). Any other numbering
  * takes the number as the palette's id. Answers 0 when there is no such id (`record` then holds the first
  * palette, 255) or when `record` is null. */
-int get_color_palette(uint32_t schemeNumber, uint32_t numbering, ColorPaletteSource* record);
+CS_EXPORT int get_color_palette(uint32_t schemeNumber, uint32_t numbering, ColorPaletteSource* record);
 
 /* Builds the tables of all palettes and returns the number of bytes allocated. Returns 0 when they are built
  * already, and when memory is short, which is final. Threads that call it at the same time wait for the one
  * that builds. */
-size_t alloc_color_schemes(void);
+CS_EXPORT size_t alloc_color_schemes(void);
 
 /* Tells where the table of a scheme is, smooth or (`smooth` = 0) banded. Answers as get_color_palette; the
  * table is null until alloc_color_schemes was called. */
-int get_static_color_scheme(uint32_t schemeNumber, uint32_t numbering, StaticColorScheme* result, int smooth);
+CS_EXPORT int get_static_color_scheme(uint32_t schemeNumber, uint32_t numbering, StaticColorScheme* result,
+                                      int smooth);
 
 /* A copy of a scheme's table, to be freed by the caller with free(); null when there is no such scheme, when
  * the tables are not built or when memory is short. Without snow (`withSnow` = 0) every section takes the
  * colours of rain. The first `minimalIndex` entries of each section become transparent; from 128 on, all of a
  * section. */
-uint8_t* get_color_scheme_bytes(uint32_t schemeNumber, uint32_t numbering, int smooth, int withSnow,
-                                uint32_t minimalIndex);
+CS_EXPORT uint8_t* get_color_scheme_bytes(uint32_t schemeNumber, uint32_t numbering, int smooth, int withSnow,
+                                          uint32_t minimalIndex);
 
 #ifdef __cplusplus
 }

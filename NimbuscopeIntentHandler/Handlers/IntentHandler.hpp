@@ -5,15 +5,16 @@
 
 #include "NimbuscopeIntentHandler/Handlers/IntentServices.hpp"
 #include "NimbuscopeIntentHandler/Intents/IntentHandling.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Intents/INExtension.hpp"
 
 namespace nimbuscope {
 
 /// The extension's principal object: hands each shortcut intent to a handler of its own, and serves the two
 /// configuration intents of the widgets itself. Its own operations run on the calling thread.
-class IntentHandler final : public platform::INExtension,
-                            public ConfigurationIntentHandling,
-                            public WeatherRadarMapIntentHandling {
+class NIMBUSCOPE_EXPORT IntentHandler final : public platform::INExtension,
+                                              public ConfigurationIntentHandling,
+                                              public WeatherRadarMapIntentHandling {
   public:
     explicit IntentHandler(IntentServices services) : services_(std::move(services)) {}
 

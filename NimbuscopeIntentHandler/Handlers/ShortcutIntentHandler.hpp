@@ -7,6 +7,7 @@
 
 #include "NimbuscopeIntentHandler/Handlers/IntentServices.hpp"
 #include "NimbuscopeIntentHandler/Intents/IntentHandling.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
@@ -19,14 +20,16 @@ struct ShortcutScreen {
 /// The asynchronous bodies that all shortcut handlers share.
 namespace shortcut {
 
-[[nodiscard]] platform::AsyncBody<std::shared_ptr<LocationCollection>> locationOptions(
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::AsyncBody<std::shared_ptr<LocationCollection>> locationOptions(
     std::function<SharedStorage&()> storage);
 
 /// Success with that very object, or the need of a value when there is none.
-[[nodiscard]] platform::AsyncBody<LocationResolutionResult> resolve(std::shared_ptr<Location> location);
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::AsyncBody<LocationResolutionResult> resolve(
+    std::shared_ptr<Location> location);
 
 /// The activity that opens `screen` for the place that `location` names.
-[[nodiscard]] platform::NSUserActivity activity(const ShortcutScreen& screen, const Location& location);
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::NSUserActivity activity(const ShortcutScreen& screen,
+                                                                  const Location& location);
 
 /// Continue in the application when there is a location, failure otherwise.
 template <class Response>
@@ -73,7 +76,7 @@ class ShortcutIntentHandler : public platform::NSObject, public Handling {
     IntentServices services_;
 };
 
-class RadarMapIntentHandler final : public ShortcutIntentHandler<RadarMapIntentHandling> {
+class NIMBUSCOPE_EXPORT RadarMapIntentHandler final : public ShortcutIntentHandler<RadarMapIntentHandling> {
   public:
     using ShortcutIntentHandler::ShortcutIntentHandler;
     [[nodiscard]] std::string_view className() const override { return "RadarMapIntentHandler"; }
@@ -82,7 +85,8 @@ class RadarMapIntentHandler final : public ShortcutIntentHandler<RadarMapIntentH
     [[nodiscard]] ShortcutScreen screen() const override { return {"Radar Map", {{"map_layer", "radar"}}}; }
 };
 
-class SatelliteMapIntentHandler final : public ShortcutIntentHandler<SatelliteMapIntentHandling> {
+class NIMBUSCOPE_EXPORT SatelliteMapIntentHandler final
+    : public ShortcutIntentHandler<SatelliteMapIntentHandling> {
   public:
     using ShortcutIntentHandler::ShortcutIntentHandler;
     [[nodiscard]] std::string_view className() const override { return "SatelliteMapIntentHandler"; }
@@ -93,7 +97,8 @@ class SatelliteMapIntentHandler final : public ShortcutIntentHandler<SatelliteMa
     }
 };
 
-class WeatherForecastIntentHandler final : public ShortcutIntentHandler<WeatherForecastIntentHandling> {
+class NIMBUSCOPE_EXPORT WeatherForecastIntentHandler final
+    : public ShortcutIntentHandler<WeatherForecastIntentHandling> {
   public:
     using ShortcutIntentHandler::ShortcutIntentHandler;
     [[nodiscard]] std::string_view className() const override { return "WeatherForecastIntentHandler"; }
@@ -102,7 +107,8 @@ class WeatherForecastIntentHandler final : public ShortcutIntentHandler<WeatherF
     [[nodiscard]] ShortcutScreen screen() const override { return {"Weather Forecast", {}}; }
 };
 
-class CurrentWeatherIntentHandler final : public ShortcutIntentHandler<CurrentWeatherIntentHandling> {
+class NIMBUSCOPE_EXPORT CurrentWeatherIntentHandler final
+    : public ShortcutIntentHandler<CurrentWeatherIntentHandling> {
   public:
     using ShortcutIntentHandler::ShortcutIntentHandler;
     [[nodiscard]] std::string_view className() const override { return "CurrentWeatherIntentHandler"; }

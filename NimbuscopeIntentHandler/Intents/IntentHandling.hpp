@@ -5,6 +5,7 @@
 #include "NimbuscopeIntentHandler/Intents/IntentResponses.hpp"
 #include "NimbuscopeIntentHandler/Intents/Intents.hpp"
 #include "Platform/Concurrency/Task.hpp"
+#include "Platform/Core/Export.hpp"
 
 /// What the handler of each class of intents does when the system calls. Every completion handler is called
 /// exactly once, on any thread.
@@ -41,7 +42,7 @@ using CurrentWeatherIntentHandling =
     ShortcutIntentHandling<CurrentWeatherIntent, CurrentWeatherIntentResponse>;
 
 /// The operations on the configuration of a radar widget; completions are called before the return.
-class WeatherRadarMapIntentHandling {
+class NIMBUSCOPE_EXPORT WeatherRadarMapIntentHandling {
   public:
     virtual ~WeatherRadarMapIntentHandling() = default;
 
@@ -61,7 +62,7 @@ class WeatherRadarMapIntentHandling {
 };
 
 /// Configuring a forecast widget takes no operation of the extension's own.
-class ConfigurationIntentHandling {
+class NIMBUSCOPE_EXPORT ConfigurationIntentHandling {
   public:
     virtual ~ConfigurationIntentHandling() = default;
 };

@@ -5,27 +5,28 @@
 #include <optional>
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Intents/INIntentResolutionResult.hpp"
 #include "Platform/Intents/INObject.hpp"
 
 namespace nimbuscope {
 
 /// A place that a widget may show: identifier and display string are the saved place's id and name.
-class ForecastLocation final : public platform::INObject {
+class NIMBUSCOPE_EXPORT ForecastLocation final : public platform::INObject {
   public:
     using INObject::INObject;
     [[nodiscard]] std::string_view className() const override { return "ForecastLocation"; }
 };
 
 /// A place that a shortcut may name: identifier and display string are the saved place's id and name.
-class Location final : public platform::INObject {
+class NIMBUSCOPE_EXPORT Location final : public platform::INObject {
   public:
     using INObject::INObject;
     [[nodiscard]] std::string_view className() const override { return "Location"; }
 };
 
 /// A choice of the radar's colours; in the keyed form it adds "id".
-class MapColorScheme final : public platform::INObject {
+class NIMBUSCOPE_EXPORT MapColorScheme final : public platform::INObject {
   public:
     using INObject::INObject;
     [[nodiscard]] std::string_view className() const override { return "MapColorScheme"; }

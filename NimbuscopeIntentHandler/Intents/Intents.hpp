@@ -8,6 +8,7 @@
 
 #include "NimbuscopeIntentHandler/Intents/IntentEnumerations.hpp"
 #include "NimbuscopeIntentHandler/Intents/IntentObjects.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Intents/INIntent.hpp"
 
 /// The requests that the system sends. Every parameter may be absent.
@@ -59,7 +60,7 @@ class ConfigurationIntent final : public LocationIntent<ConfigurationIntent, For
 };
 
 /// Configures a radar widget.
-class WeatherRadarMapIntent final : public platform::INIntent {
+class NIMBUSCOPE_EXPORT WeatherRadarMapIntent final : public platform::INIntent {
   public:
     static constexpr std::string_view name = "WeatherRadarMapIntent";
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "NimbuscopeIntentHandler/Places/Place.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 
@@ -18,7 +19,7 @@ struct SavedPlacesError {
 /// The writing side of the saved places: strict, and whole or not at all. A list with an element that cannot
 /// be read is not touched, since writing it back would lose that element. Each change is one transaction, so
 /// that changes by several processes at once all take effect.
-class SavedPlaces {
+class NIMBUSCOPE_EXPORT SavedPlaces {
   public:
     /// Works on the application group's store, which must outlive this object.
     explicit SavedPlaces(platform::NSUserDefaults& groupStorage) : groupStorage_(groupStorage) {}

@@ -8,18 +8,19 @@
 #include "NimbuscopeIntentHandler/Places/Place.hpp"
 #include "NimbuscopeKit/Preferences/AppGroup.hpp"
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 
 namespace nimbuscope {
 
 /// Wants to know when the shared places change.
-class SharedStorageObserver {
+class NIMBUSCOPE_EXPORT SharedStorageObserver {
   public:
     virtual ~SharedStorageObserver() = default;
 };
 
 /// The saved places that the application shares with its extensions. Reads may come from any thread.
-class SharedStorage {
+class NIMBUSCOPE_EXPORT SharedStorage {
   public:
     static constexpr std::string_view appGroupIdentifier = nimbuscope::appGroupIdentifier;
     static constexpr std::string_view placesKey = "places";
@@ -52,6 +53,6 @@ class SharedStorage {
 };
 
 /// The places of a stored list, malformed ones left out, the current one first; none for what is no list.
-[[nodiscard]] std::vector<Place> decodePlaces(const platform::Data& json);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::vector<Place> decodePlaces(const platform::Data& json);
 
 }  // namespace nimbuscope

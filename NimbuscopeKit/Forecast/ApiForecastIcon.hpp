@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Locale/Bundle.hpp"
 
 namespace nimbuscope {
@@ -13,7 +14,7 @@ namespace nimbuscope {
 ///
 /// Symbols and descriptions know different codes: a thunder symbol goes with "clouds_moon_bolt", a
 /// description with "clouds_moon_bolts".
-class ApiForecastIcon {
+class NIMBUSCOPE_EXPORT ApiForecastIcon {
   public:
     /// The name of the platform's symbol; "cloud" for an unknown code.
     [[nodiscard]] static std::string_view toImageSystemName(std::string_view code);

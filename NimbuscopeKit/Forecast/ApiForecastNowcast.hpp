@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Platform/Coding/Fields.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Locale/Bundle.hpp"
 
 /// Precipitation within the hour, minute by minute.
@@ -31,7 +32,7 @@ struct ApiForecastNowcastTimeData {
     bool operator==(const ApiForecastNowcastTimeData&) const = default;
 };
 
-struct ApiForecastNowcast {
+struct NIMBUSCOPE_EXPORT ApiForecastNowcast {
     std::int64_t interval = 0;
     std::string icon;  ///< code of the precipitation that comes, see `ApiForecastIcon`
     ApiForecastNowcastPrecipitationTimes precipitation;

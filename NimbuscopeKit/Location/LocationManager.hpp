@@ -8,6 +8,7 @@
 
 #include "NimbuscopeKit/Location/LocationManagerState.hpp"
 #include "NimbuscopeKit/Preferences/PreferencesService.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/ObserverList.hpp"
 #include "Platform/CoreLocation/CLLocationManager.hpp"
 
@@ -18,7 +19,7 @@ inline constexpr double kLocationManagerMonitoringDistance = 300.0;
 inline constexpr double kLocationManagerIgnoreChanges = 15.0;
 
 /// Receives location events. May add and remove delegates, and use the location manager, while it is told.
-class LocationManagerDelegate {
+class NIMBUSCOPE_EXPORT LocationManagerDelegate {
   public:
     virtual ~LocationManagerDelegate() = default;
     virtual void didReceiveLocation(const platform::CLLocation& location) = 0;
@@ -28,7 +29,7 @@ class LocationManagerDelegate {
 /// The platform's location service for the rest of the system: it asks the user for permission, switches
 /// between the kinds of monitoring, keeps the last position and hands events on to its delegates. Used from
 /// the thread of the platform manager's run loop.
-class LocationManager final : private platform::CLLocationManagerDelegate {
+class NIMBUSCOPE_EXPORT LocationManager final : private platform::CLLocationManagerDelegate {
   public:
     using State = LocationManagerState;
     enum class MonitoringState : std::uint8_t { disabled, regular, significant };

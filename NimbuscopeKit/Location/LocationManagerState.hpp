@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/CoreLocation/CLLocationManager.hpp"
 
 namespace nimbuscope {
@@ -19,10 +20,11 @@ enum class LocationManagerState : std::uint8_t {
 
 /// What the platform's status means. A status that is none of the platform's stops the process; those read
 /// from outside are checked with `fromRawValue`.
-[[nodiscard]] LocationManagerState locationManagerState(platform::CLAuthorizationStatus status);
+[[nodiscard]] NIMBUSCOPE_EXPORT LocationManagerState
+locationManagerState(platform::CLAuthorizationStatus status);
 
 /// The state in words: "available always".
-[[nodiscard]] std::string_view description(LocationManagerState state);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string_view description(LocationManagerState state);
 
 [[nodiscard]] constexpr bool isAnyOfAvailable(LocationManagerState state) {
     return state == LocationManagerState::available || state == LocationManagerState::availableAlways;

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
+
 /// What can go wrong between a request and its payload, besides what the transport and the decoder report.
 /// `description` puts each into one line without any part of credentials.
 namespace nimbuscope {
@@ -15,7 +17,7 @@ enum class APIError {
     authorizationError,  ///< credentials were asked for in vain
     encodingError,       ///< the request cannot be put into bytes
 };
-[[nodiscard]] std::string_view description(APIError error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string_view description(APIError error);
 
 /// The server answered with a code other than 0.
 struct ApiError {
@@ -23,7 +25,7 @@ struct ApiError {
 
     bool operator==(const ApiError&) const = default;
 };
-[[nodiscard]] std::string description(const ApiError& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string description(const ApiError& error);
 
 /// A reply that is taken apart by hand lacks a key, or has another kind of value there.
 struct SerializationError {
@@ -38,7 +40,7 @@ struct SerializationError {
     }
     bool operator==(const SerializationError&) const = default;
 };
-[[nodiscard]] std::string description(const SerializationError& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string description(const SerializationError& error);
 
 /// Of any request.
 enum class NetworkError {
@@ -47,7 +49,7 @@ enum class NetworkError {
     jsonParsingError,    ///< the body is no JSON
     jsonStructureError,  ///< the body is JSON of another shape
 };
-[[nodiscard]] std::string_view description(NetworkError error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string_view description(NetworkError error);
 
 /// The reply's HTTP status is not one of success.
 struct StatusCodeError {
@@ -59,6 +61,6 @@ struct StatusCodeError {
 
     bool operator==(const StatusCodeError&) const = default;
 };
-[[nodiscard]] std::string description(const StatusCodeError& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string description(const StatusCodeError& error);
 
 }  // namespace nimbuscope

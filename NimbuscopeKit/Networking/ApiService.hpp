@@ -6,11 +6,12 @@
 
 #include "NimbuscopeKit/Networking/Networking.hpp"
 #include "NimbuscopeKit/RadarCatalogue/ApiMaps.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
 /// The endpoints of the mobile API, one operation each.
-class ApiService {
+class NIMBUSCOPE_EXPORT ApiService {
   public:
     /// The process's one instance, over `Networking::default_()`.
     [[nodiscard]] static ApiService& default_();

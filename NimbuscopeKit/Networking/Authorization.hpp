@@ -6,6 +6,7 @@
 #include <variant>
 
 #include "NimbuscopeKit/Networking/ApiErrors.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 #include "Platform/Security/DeviceIdentifier.hpp"
@@ -21,19 +22,19 @@ using AuthorizationError =
     std::variant<APIError, SerializationError, ApiError, UnusableCredentials, platform::DefaultsError>;
 
 /// One line that holds nothing of the credentials.
-[[nodiscard]] std::string description(const AuthorizationError& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string description(const AuthorizationError& error);
 
 /// The upper-case text of the device's identifier, or of a random one where it has none; credentials stored
 /// under such a one cannot be read by a later process.
-[[nodiscard]] std::string deviceKey(const platform::DeviceIdentifier& device);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string deviceKey(const platform::DeviceIdentifier& device);
 
 /// Each byte of `text` exclusive-or that of `deviceKey` at its place, over and over; its own inverse for
 /// ASCII. Ends before the first byte that is not ASCII in the result; empty for an empty key.
-[[nodiscard]] std::string scrambled(std::string_view text, std::string_view deviceKey);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string scrambled(std::string_view text, std::string_view deviceKey);
 
 /// The credentials of this installation, and where they are kept: scrambled and in base 64, so that they are
 /// not read in passing. The store's file is the owner's alone. One thread at a time.
-class Authorization {
+class NIMBUSCOPE_EXPORT Authorization {
   public:
     static constexpr std::string_view AUTH_KEY_NAME = "ak1";
     static constexpr std::string_view AUTH_SECRET_NAME = "as2";

@@ -8,17 +8,18 @@
 
 #include "NimbuscopeKit/Networking/ApiSettings.hpp"
 #include "NimbuscopeKit/Preferences/HostIdentifier.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 #include "Platform/Security/SecRandom.hpp"
 
 namespace nimbuscope {
 
 /// The host that serves a purpose unless the server names others: part of the build's configuration.
-[[nodiscard]] std::string_view builtInHost(HostIdentifier identifier);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string_view builtInHost(HostIdentifier identifier);
 
 /// Which servers are there for what. The table is read once and written through to the group's store, where
 /// other processes find it on their next start. One thread at a time.
-class Hosts {
+class NIMBUSCOPE_EXPORT Hosts {
   public:
     using Table = std::map<HostIdentifier, std::vector<std::string>>;
 

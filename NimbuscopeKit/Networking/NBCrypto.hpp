@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSObject.hpp"
 #include "Platform/Security/CommonCrypto.hpp"
 #include "Platform/Security/SecKeyStore.hpp"
@@ -15,7 +16,7 @@
 namespace nimbuscope {
 
 /// The base of the API's addresses at its built-in host: "https://", the host and "/mobile/".
-[[nodiscard]] std::string builtInApiBaseURL();
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string builtInApiBaseURL();
 
 /// The server's public key as it stands in the program: PEM text without line breaks, each byte exclusive-or
 /// that of `builtInApiBaseURL` at its place, over and over. Made when the program is built.
@@ -23,7 +24,7 @@ inline constexpr std::size_t networkPublicKeySize = 442;
 extern const std::array<std::uint8_t, networkPublicKeySize> nbNetworkPublicKey;
 
 /// Ciphers for replies, and the server's public key to encrypt to. One thread at a time.
-class NBCrypto final : public platform::NSObject {
+class NIMBUSCOPE_EXPORT NBCrypto final : public platform::NSObject {
   public:
     /// Puts the server's key into `keyStore` and keeps a reference to it.
     NBCrypto(platform::SecKeyStore& keyStore, std::shared_ptr<platform::SecRandom> random);

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Security/SecKeyStore.hpp"
 
@@ -19,7 +20,7 @@ struct PublicKeyError {
 };
 
 /// Turns public RSA keys from text into references to keys of a key store.
-class NBRSA {
+class NIMBUSCOPE_EXPORT NBRSA {
   public:
     /// Puts the key that `pem` holds into the store, in place of the one put there before, and returns a
     /// reference to it; null where the text holds none. The text may go without its first and last line, and

@@ -22,6 +22,7 @@
 #include "Platform/Coding/JSONDecoder.hpp"
 #include "Platform/Concurrency/Clock.hpp"
 #include "Platform/Concurrency/RunLoop.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSObject.hpp"
 #include "Platform/URLLoading/URLSession.hpp"
 
@@ -31,7 +32,8 @@ namespace nimbuscope {
 ///
 /// Requests may be made on any thread; timers are scheduled and unscheduled on the main thread. Callbacks are
 /// called on the queue, and must not throw. A request whose Networking is gone is not called back.
-class Networking final : public platform::NSObject, public std::enable_shared_from_this<Networking> {
+class NIMBUSCOPE_EXPORT Networking final : public platform::NSObject,
+                                           public std::enable_shared_from_this<Networking> {
   public:
     using NetworkError = nimbuscope::NetworkError;
     using StatusCodeError = nimbuscope::StatusCodeError;

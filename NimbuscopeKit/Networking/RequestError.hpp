@@ -6,6 +6,7 @@
 
 #include "NimbuscopeKit/Networking/ApiErrors.hpp"
 #include "Platform/Coding/CodingError.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSError.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
@@ -19,10 +20,10 @@ using RequestError = std::variant<platform::URLError, StatusCodeError, NetworkEr
                                   APIError, ApiError, platform::DefaultsError>;
 
 /// One line that holds nothing of the credentials.
-[[nodiscard]] std::string description(const RequestError& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string description(const RequestError& error);
 
 /// The error for those who collect errors; the domain is the name of its type, the code its number there.
-[[nodiscard]] platform::NSError trackable(const RequestError& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::NSError trackable(const RequestError& error);
 
 template <class T>
 using RequestResult = platform::Result<T, RequestError>;

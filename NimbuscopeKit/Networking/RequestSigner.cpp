@@ -116,6 +116,10 @@ Result<std::string, URLError> canonicalRequest(std::string_view method, std::str
     return lines += "\nUNSIGNED-PAYLOAD";
 }
 
+// Here, so that those who make one need not link what hashes.
+RequestSigner::RequestSigner() = default;
+RequestSigner::~RequestSigner() = default;
+
 Result<RequestSignature, URLError> RequestSigner::sign(const platform::URLRequest& request,
                                                        std::span<const std::string_view> signedHeaders,
                                                        std::string_view key, std::string_view secret,

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Security/CommonCrypto.hpp"
 #include "Platform/URLLoading/URLError.hpp"
@@ -16,7 +17,7 @@
 namespace nimbuscope {
 
 /// A signature as it is sent.
-struct RequestSignature {
+struct NIMBUSCOPE_EXPORT RequestSignature {
     std::string algorithm;      ///< "NB-HMAC-SHA256"
     std::string credential;     ///< access key, "/", day and scope
     std::string date;           ///< when it was signed: 20240307T091502Z
@@ -30,14 +31,17 @@ struct RequestSignature {
 /// What stands for a request in its signature: method, path, query, host and a word for the body, in lines.
 /// The path is decoded and encoded again; the query's parameters are decoded and sorted by name. Fails for a
 /// URL without such a form.
-[[nodiscard]] platform::Result<std::string, platform::URLError> canonicalRequest(std::string_view method,
-                                                                                 std::string_view url);
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::Result<std::string, platform::URLError> canonicalRequest(
+    std::string_view method, std::string_view url);
 
 /// Signs requests. One thread at a time: it keeps its working memory, and the key that it derived last, which
 /// serves all requests of a day.
-class RequestSigner {
+class NIMBUSCOPE_EXPORT RequestSigner {
   public:
     using Instant = std::chrono::system_clock::time_point;
+
+    RequestSigner();
+    ~RequestSigner();
 
     /// The signature of `request` at `now` with the access key and the secret. Signs the host, whatever
     /// further names of headers are listed. Fails for a URL that cannot be signed.

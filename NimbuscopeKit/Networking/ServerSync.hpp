@@ -4,11 +4,12 @@
 
 #include "NimbuscopeKit/Networking/Networking.hpp"
 #include "NimbuscopeKit/Networking/UserService.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
 /// Tells the server the user's units, locale, time zone and clock format.
-class ServerSync {
+class NIMBUSCOPE_EXPORT ServerSync {
   public:
     /// `errorTracking` may be null.
     ServerSync(std::shared_ptr<const UserService> userService, std::shared_ptr<Networking> networking,

@@ -5,11 +5,12 @@
 #include <string_view>
 
 #include "NimbuscopeKit/Preferences/UnitsPreference.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
 /// What servers are told about the user and the application. Used from the main thread.
-class UserService {
+class NIMBUSCOPE_EXPORT UserService {
   public:
     virtual ~UserService() = default;
 

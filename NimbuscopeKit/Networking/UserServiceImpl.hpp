@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "NimbuscopeKit/Networking/UserService.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Defaults/DefaultsValue.hpp"
 #include "Platform/Locale/Locale.hpp"
 #include "Platform/Locale/TimeZone.hpp"
@@ -11,7 +12,7 @@
 namespace nimbuscope {
 
 /// Tells what the application's information dictionary, the system and the preferences say at the time.
-class UserServiceImpl final : public UserService {
+class NIMBUSCOPE_EXPORT UserServiceImpl final : public UserService {
   public:
     /// The version is the text under "CFBundleShortVersionString" of `infoDictionary`, the build that under
     /// "CFBundleVersion". `units` asks the preferences.

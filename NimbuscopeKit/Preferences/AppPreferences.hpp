@@ -12,6 +12,7 @@
 #include "NimbuscopeKit/Preferences/OverlayTypePreference.hpp"
 #include "Platform/Coding/Enumeration.hpp"
 #include "Platform/Coding/Fields.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 #include "Platform/Locale/Locale.hpp"
 
@@ -71,7 +72,7 @@ struct LayerPreferences {
 };
 
 /// The map under the overlays.
-struct MapPreferences {
+struct NIMBUSCOPE_EXPORT MapPreferences {
     /// A position in degrees; its keys are not those of the shared coordinate record.
     struct Coordinate {
         double lat;
@@ -148,7 +149,7 @@ struct RadarPreferences {
 };
 
 /// The record of all settings, stored as one JSON object.
-struct AppPreferences {
+struct NIMBUSCOPE_EXPORT AppPreferences {
     /// Version of the record's schema. `Migration.hpp` leads from each to the next.
     enum class Version : std::int64_t { v1 = 1, v2, v3, v4, v5, v6, v7, v8, v9, v10, v11, v12 };
     friend constexpr auto caseTable(Version) {

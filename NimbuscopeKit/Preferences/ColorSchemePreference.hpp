@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Locale/Bundle.hpp"
 
 namespace nimbuscope {
@@ -59,6 +60,7 @@ constexpr auto caseTable(ColorSchemePreference) {
 }
 
 /// The scheme's name in the user's language; the English name is the key of the translation.
-[[nodiscard]] std::string title(ColorSchemePreference scheme, const platform::Bundle& bundle);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string title(ColorSchemePreference scheme,
+                                                  const platform::Bundle& bundle);
 
 }  // namespace nimbuscope

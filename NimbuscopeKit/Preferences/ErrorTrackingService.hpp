@@ -1,11 +1,12 @@
 #pragma once
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSError.hpp"
 
 namespace nimbuscope {
 
 /// Learns of errors that a service deals with itself, so that somebody does.
-class ErrorTrackingService {
+class NIMBUSCOPE_EXPORT ErrorTrackingService {
   public:
     virtual ~ErrorTrackingService() = default;
 

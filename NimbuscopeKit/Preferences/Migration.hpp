@@ -9,6 +9,7 @@
 #include "NimbuscopeKit/Preferences/PreferencesServiceError.hpp"
 #include "Platform/Coding/CodingError.hpp"
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 /// How a stored record is brought from the version in which it was stored to the newest.
@@ -62,7 +63,7 @@ struct MigrationError {
 /// The stored record in the newest version. A record of that version comes back byte for byte, whatever else
 /// it holds. In others, what no step touches stays as it is: keys keep their order, integers of 64 bits and
 /// reals their value and kind.
-[[nodiscard]] platform::Result<platform::Data, MigrationError> migratedPreferences(
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::Result<platform::Data, MigrationError> migratedPreferences(
     const platform::Data& stored);
 
 }  // namespace nimbuscope

@@ -6,6 +6,7 @@
 
 #include "NimbuscopeKit/Preferences/HostIdentifier.hpp"
 #include "NimbuscopeKit/Preferences/PlayerInterval.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
@@ -28,13 +29,13 @@ constexpr auto caseTable(OverlayTypePreference) {
 }
 
 /// The path segment of the overlay's data, e.g. "satprecip".
-[[nodiscard]] std::string_view path(OverlayTypePreference overlay);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string_view path(OverlayTypePreference overlay);
 
 /// Which host serves the overlay's data.
-[[nodiscard]] HostIdentifier identifier(OverlayTypePreference overlay);
+[[nodiscard]] NIMBUSCOPE_EXPORT HostIdentifier identifier(OverlayTypePreference overlay);
 
 /// The spans that the player offers for the overlay, and the one that it starts with.
-[[nodiscard]] OverlayPlayerIntervals intervals(OverlayTypePreference overlay);
-[[nodiscard]] PlayerInterval defaultInterval(OverlayTypePreference overlay);
+[[nodiscard]] NIMBUSCOPE_EXPORT OverlayPlayerIntervals intervals(OverlayTypePreference overlay);
+[[nodiscard]] NIMBUSCOPE_EXPORT PlayerInterval defaultInterval(OverlayTypePreference overlay);
 
 }  // namespace nimbuscope

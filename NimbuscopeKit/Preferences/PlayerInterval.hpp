@@ -6,6 +6,7 @@
 
 #include "NimbuscopeKit/Preferences/TimeIntervalUnit.hpp"
 #include "Platform/Coding/Fields.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
@@ -21,7 +22,7 @@ inline constexpr double twoDays = TimeIntervalUnit::days(2).interval();
 inline constexpr double threeDays = TimeIntervalUnit::days(3).interval();
 
 /// How far the player reaches back from now and ahead of it, in seconds.
-struct PlayerInterval {
+struct NIMBUSCOPE_EXPORT PlayerInterval {
     double past = 0;
     double forecast = 0;
 
@@ -42,7 +43,7 @@ struct PlayerInterval {
 inline constexpr PlayerInterval PlayerInterval::zero{};
 
 /// The spans that may be chosen for an overlay, in seconds, ascending. The lists are borrowed.
-struct OverlayPlayerIntervals {
+struct NIMBUSCOPE_EXPORT OverlayPlayerIntervals {
     std::span<const double> past;
     std::span<const double> forecast;
 

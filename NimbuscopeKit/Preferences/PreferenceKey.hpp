@@ -8,6 +8,7 @@
 
 #include "NimbuscopeKit/Preferences/AppPreferences.hpp"
 #include "Platform/Coding/CodingError.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope {
@@ -107,12 +108,12 @@ using PreferenceKey = std::variant<
     preference::minimalIntensity>;
 
 /// The names of all cases, in order.
-[[nodiscard]] std::vector<std::string_view> preferenceKeyNames();
+[[nodiscard]] NIMBUSCOPE_EXPORT std::vector<std::string_view> preferenceKeyNames();
 
 /// The case of this name with a value written as text: texts as they are, all else as JSON, enumerations by
 /// their raw values. Fails, saying where, for a name that no case has and for a value that the case cannot
 /// carry.
-[[nodiscard]] platform::Result<PreferenceKey, platform::DecodingError> preferenceKey(std::string_view name,
-                                                                                     std::string_view value);
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::Result<PreferenceKey, platform::DecodingError> preferenceKey(
+    std::string_view name, std::string_view value);
 
 }  // namespace nimbuscope

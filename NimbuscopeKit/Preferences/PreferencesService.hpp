@@ -5,13 +5,14 @@
 
 #include "NimbuscopeKit/Preferences/AppPreferences.hpp"
 #include "NimbuscopeKit/Preferences/PreferenceKey.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
 class PreferencesService;
 
 /// Wants to know when this process saves preferences.
-class PreferencesServiceObserver {
+class NIMBUSCOPE_EXPORT PreferencesServiceObserver {
   public:
     virtual ~PreferencesServiceObserver() = default;
 
@@ -22,7 +23,7 @@ class PreferencesServiceObserver {
 
 /// Where the rest of the system reads and changes the user's settings. Used from the main thread. Nothing
 /// fails towards the caller: every read returns a usable record.
-class PreferencesService {
+class NIMBUSCOPE_EXPORT PreferencesService {
   public:
     virtual ~PreferencesService() = default;
 

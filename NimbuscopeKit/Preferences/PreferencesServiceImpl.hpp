@@ -9,6 +9,7 @@
 #include "NimbuscopeKit/Preferences/PreferencesService.hpp"
 #include "NimbuscopeKit/Preferences/PreferencesServiceError.hpp"
 #include "Platform/Coding/JSONDecoder.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/ObserverList.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 #include "Platform/Locale/Locale.hpp"
@@ -25,7 +26,7 @@ namespace nimbuscope {
 /// Errors go to the `ErrorTrackingService`, if there is one. A record that cannot be read is replaced, with a
 /// message on standard error, by what the older settings say (`AppPreferences::fromUserDefaults`). A store
 /// that cannot be read is left alone: reads return that same record, and changes are not made.
-class PreferencesServiceImpl final : public PreferencesService {
+class NIMBUSCOPE_EXPORT PreferencesServiceImpl final : public PreferencesService {
   public:
     using PreferencesServiceError = nimbuscope::PreferencesServiceError;
 

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope {
 
 /// The units in which values are shown. `Hybrid` is Celsius with miles and inches.
@@ -14,25 +16,25 @@ constexpr auto caseTable(UnitsPreference) {
 }
 
 /// "imperial", "metric" or "mixed"; not localised.
-[[nodiscard]] std::string_view title(UnitsPreference units);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string_view title(UnitsPreference units);
 
 /// Degrees Celsius as Fahrenheit for `Imperial`, unchanged otherwise.
-[[nodiscard]] double temperature(UnitsPreference units, double celsius);
+[[nodiscard]] NIMBUSCOPE_EXPORT double temperature(UnitsPreference units, double celsius);
 
 /// Kilometres as miles unless `Metric`.
-[[nodiscard]] double distance(UnitsPreference units, double kilometres);
+[[nodiscard]] NIMBUSCOPE_EXPORT double distance(UnitsPreference units, double kilometres);
 
 /// Millimetres as inches unless `Metric`.
-[[nodiscard]] double mmToInch(UnitsPreference units, double millimetres);
+[[nodiscard]] NIMBUSCOPE_EXPORT double mmToInch(UnitsPreference units, double millimetres);
 
 /// International miles as metres, whatever the units.
-[[nodiscard]] double milesToMeters(double miles);
+[[nodiscard]] NIMBUSCOPE_EXPORT double milesToMeters(double miles);
 
 /// True for every case but `Metric`.
-[[nodiscard]] bool isMiles(UnitsPreference units);
+[[nodiscard]] NIMBUSCOPE_EXPORT bool isMiles(UnitsPreference units);
 
 /// The rain rate that causes a reflectivity in dBZ, in mm/h for `Metric` and in/h otherwise: Z = 200 R^1.6
 /// (Marshall–Palmer) solved for R.
-[[nodiscard]] double reflectivityToRainrate(UnitsPreference units, std::int64_t dBZ);
+[[nodiscard]] NIMBUSCOPE_EXPORT double reflectivityToRainrate(UnitsPreference units, std::int64_t dBZ);
 
 }  // namespace nimbuscope

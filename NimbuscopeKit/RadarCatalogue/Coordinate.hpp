@@ -3,12 +3,13 @@
 #include <tuple>
 
 #include "Platform/Coding/Fields.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/CoreLocation/CLLocation.hpp"
 
 namespace nimbuscope {
 
 /// A geographic position in degrees; north and east are positive. Equality is exact.
-struct Coordinate {
+struct NIMBUSCOPE_EXPORT Coordinate {
     double latitude = 0;
     double longitude = 0;
 

@@ -10,6 +10,7 @@
 #include "NimbuscopeKit/RadarImagery/ColorSchemeType.hpp"
 #include "NimbuscopeKit/RadarImagery/GradientDirection.hpp"
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Graphics/CAGradientLayer.hpp"
 #include "Platform/Graphics/CGImage.hpp"
@@ -30,11 +31,11 @@ struct LegendRange {
 };
 
 /// The entries that the legend of a type shows; without a type, 0 ..< 255.
-[[nodiscard]] LegendRange legendRange(std::optional<ColorSchemeType> type);
+[[nodiscard]] NIMBUSCOPE_EXPORT LegendRange legendRange(std::optional<ColorSchemeType> type);
 
 /// A colour table, and what is drawn with it. Objects do not change once they are made, unless someone writes
 /// through `colors()`; as long as nobody does, any thread may use them.
-class ColorScheme {
+class NIMBUSCOPE_EXPORT ColorScheme {
   public:
     /// The size in bytes of what a one-byte index can reach, whatever the size of the table: not to be used
     /// for the size of a buffer.

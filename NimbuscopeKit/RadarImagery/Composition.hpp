@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope {
@@ -16,7 +17,7 @@ struct CompositionError {
 /// Lays RGBA pixels over others: where the alpha of `overlay` is not 0, all four bytes replace those of
 /// `pixels`; nothing is blended. An error, with nothing written, when the two differ in size or when that is
 /// not a multiple of four.
-[[nodiscard]] platform::Result<void, CompositionError> layOver(std::span<std::uint8_t> pixels,
-                                                               std::span<const std::uint8_t> overlay);
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::Result<void, CompositionError> layOver(
+    std::span<std::uint8_t> pixels, std::span<const std::uint8_t> overlay);
 
 }  // namespace nimbuscope

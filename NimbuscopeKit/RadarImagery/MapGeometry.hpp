@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/CoreLocation/CLLocation.hpp"
 #include "Platform/Graphics/CGGeometry.hpp"
@@ -21,7 +22,7 @@ struct MapGeometryError {
 };
 
 /// The platform's span, with a way to make it from a map view.
-struct MKCoordinateSpan : platform::MKCoordinateSpan {
+struct NIMBUSCOPE_EXPORT MKCoordinateSpan : platform::MKCoordinateSpan {
     /// What a view of `size` pixels around a centre shows at a zoom level, in the Web Mercator projection. At
     /// zoom 0 the world is 512 pixels wide; each level doubles that. The centre and the edges lie on whole
     /// pixels of zoom level 20, rounded half away from zero. Latitudes are not kept from the poles, and what
@@ -35,7 +36,7 @@ struct MKCoordinateSpan : platform::MKCoordinateSpan {
         platform::CGSize size, platform::CLLocationCoordinate2D centerCoordinate, std::int64_t zoomLevel);
 };
 
-class Country {
+class NIMBUSCOPE_EXPORT Country {
   public:
     /// The country's name in the language of `locale`; the code itself where the locale has none.
     [[nodiscard]] static std::string countryName(std::string_view from, const platform::Locale& locale);

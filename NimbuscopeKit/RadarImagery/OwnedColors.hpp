@@ -6,12 +6,13 @@
 #include <span>
 
 #include "NimbuscopeKit/RadarImagery/ColorScheme.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope {
 
 /// A colour table handed out by the palette library, freed with its owner.
-class OwnedColors {
+class NIMBUSCOPE_EXPORT OwnedColors {
   public:
     /// The table of a scheme number (numbering 2). An error when there is none or when memory is short.
     [[nodiscard]] static platform::Result<OwnedColors, ColorSchemeError> make(std::uint32_t scheme,

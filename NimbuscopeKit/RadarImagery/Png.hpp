@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Graphics/CGImage.hpp"
 #include "Platform/Graphics/PNG.hpp"
@@ -14,7 +15,7 @@ namespace nimbuscope {
 /// A map tile that came as a PNG file whose samples are entries of a colour table. The file's own palette
 /// does not count. Tiles that carry the kind of precipitation in their blue samples go through
 /// `ColorScheme::applyColors` instead. Objects do not change; any thread may use them.
-class Png {
+class NIMBUSCOPE_EXPORT Png {
   public:
     /// Decodes a file. One that is no PNG, is damaged or has more than 64 Mi pixels gives an object without
     /// an image.

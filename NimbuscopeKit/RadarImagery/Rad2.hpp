@@ -7,13 +7,14 @@
 
 #include "NimbuscopeKit/RadarImagery/Rad2File.hpp"
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Graphics/CGImage.hpp"
 
 namespace nimbuscope {
 
 /// A radar tile in the Rad2 format. What its bytes lack stops the process; whoever reads files that may be
 /// damaged takes `Rad2File`, which returns errors. Objects do not change; any thread may use them.
-class Rad2 {
+class NIMBUSCOPE_EXPORT Rad2 {
   public:
     static constexpr std::int64_t imageBpp = 4;  ///< bytes of a decoded pixel
     static constexpr std::array<std::uint8_t, 4> fileBegin{'R', 'A', 'D', '2'};

@@ -9,12 +9,13 @@
 #include <vector>
 
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope {
 
 /// The rule that a Rad2 file breaks, and where.
-struct Rad2Error {
+struct NIMBUSCOPE_EXPORT Rad2Error {
     std::uint64_t offset;  ///< of the header entry, block or run that is at fault, from the start of the file
     std::string reason;
 
@@ -49,7 +50,7 @@ struct Rad2Block {
 
 /// A Rad2 file, a compact raster of palette indices, read with every byte checked: what is broken comes back
 /// as an error, and only what is asked for is read. Borrows the bytes of the file, which must outlive it.
-class Rad2File {
+class NIMBUSCOPE_EXPORT Rad2File {
   public:
     static constexpr std::string_view magic = "RAD2";
     static constexpr std::int64_t staticHeaderSize = 5;  ///< before the first header entry

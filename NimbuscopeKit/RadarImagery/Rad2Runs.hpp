@@ -5,13 +5,15 @@
 #include <span>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope {
 
 /// Decoding of the run-length coded indices of Rad2 files.
 ///
 /// A run is an index byte and a count byte; count 0 stands for a 16-bit count in the next two bytes, count
 /// 255 for a 32-bit count in the next four, most significant byte first.
-class Rad2Runs {
+class NIMBUSCOPE_EXPORT Rad2Runs {
   public:
     /// How a decoding ended.
     enum class Status : std::uint8_t {

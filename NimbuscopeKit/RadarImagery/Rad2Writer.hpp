@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope {
@@ -16,7 +17,7 @@ struct Rad2WriterError {
 };
 
 /// Makes Rad2 files, the format that `Rad2File` reads.
-class Rad2Writer {
+class NIMBUSCOPE_EXPORT Rad2Writer {
   public:
     /// What goes into a file. Borrows the bytes.
     struct Contents {

@@ -4,11 +4,12 @@
 
 #include "NimbuscopeKit/RadarImagery/ColorScheme.hpp"
 #include "NimbuscopeKit/RadarImagery/OwnedColors.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
 /// The colours of radar maps.
-class RadarColorScheme final : public ColorScheme {
+class NIMBUSCOPE_EXPORT RadarColorScheme final : public ColorScheme {
   public:
     /// The scheme of a number of numbering 2, which for users' choices is the raw value of
     /// `ColorSchemePreference`; an unknown number gives the palette of raw values. `snow` keeps snow,

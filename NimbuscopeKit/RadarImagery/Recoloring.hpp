@@ -6,11 +6,13 @@
 #include <span>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope {
 
 /// The inner loops of `ColorScheme::applyColors` and `Png::bytes`: replace the pixels of a tile by entries of
 /// a colour table.
-class Recoloring {
+class NIMBUSCOPE_EXPORT Recoloring {
   public:
     static constexpr std::size_t reachableEntries = 512;  ///< that a pixel can ask for
 

@@ -2,11 +2,12 @@
 
 #include "NimbuscopeKit/RadarImagery/ColorScheme.hpp"
 #include "NimbuscopeKit/RadarImagery/OwnedColors.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope {
 
 /// The colours of temperature maps. The table has 256 entries.
-class TemperatureColorScheme final : public ColorScheme {
+class NIMBUSCOPE_EXPORT TemperatureColorScheme final : public ColorScheme {
   public:
     /// Stops the process when memory is short.
     TemperatureColorScheme();

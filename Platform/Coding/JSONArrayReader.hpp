@@ -6,12 +6,13 @@
 #include <string_view>
 
 #include "Platform/Coding/JSONDocument.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope::platform {
 
 /// Takes a text that is one JSON array apart into stretches of elements, so that what a parser makes of them
 /// stays in the processor's cache and a list of any length takes little memory. One thread at a time.
-class JSONArrayReader {
+class NIMBUSCOPE_EXPORT JSONArrayReader {
   public:
     /// Elements as an array of their own, with `JSONDocument::enough` bytes behind it that may be read.
     struct Stretch {

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "Platform/Coding/CodingError.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope::platform {
@@ -19,7 +20,7 @@ using JSONElement = simdjson::dom::element;
 /// The whole text must be valid JSON in valid UTF-8, one value, nested at most 1,024 levels. Numbers beyond
 /// 64-bit integers are read as doubles; a number beyond the range of doubles reads as a value of no type that
 /// a field could have, so that it spoils the record that it stands in and nothing else. One thread at a time.
-class JSONDocument {
+class NIMBUSCOPE_EXPORT JSONDocument {
   public:
     /// Parses `text`, which is not needed afterwards. The error names the byte at which the text goes wrong.
     /// `slack` is how many bytes behind the text may be read as well; with `enough` of them the text need not
@@ -36,16 +37,16 @@ class JSONDocument {
 using DecodingFault = std::unique_ptr<DecodingError>;
 
 /// A fault at the value itself.
-[[nodiscard]] DecodingFault fault(std::string_view reason);
+[[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault fault(std::string_view reason);
 
 /// The fault of a value of the wrong kind: "expected a boolean, found a number".
-[[nodiscard]] DecodingFault typeMismatch(std::string_view expected, JSONElement found);
+[[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault typeMismatch(std::string_view expected, JSONElement found);
 
 /// A fault, found inside the value of `key` or inside an element of an array.
-[[nodiscard]] DecodingFault inKey(std::string_view key, DecodingFault inner);
-[[nodiscard]] DecodingFault inElement(std::size_t index, DecodingFault inner);
+[[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault inKey(std::string_view key, DecodingFault inner);
+[[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault inElement(std::size_t index, DecodingFault inner);
 
 /// True when `text` is valid UTF-8 (RFC 3629).
-[[nodiscard]] bool isValidUTF8(std::string_view text);
+[[nodiscard]] NIMBUSCOPE_EXPORT bool isValidUTF8(std::string_view text);
 
 }  // namespace nimbuscope::platform

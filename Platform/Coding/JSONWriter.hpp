@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Platform/Coding/CodingError.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope::platform {
@@ -18,7 +19,7 @@ namespace nimbuscope::platform {
 /// beginnings. Integers are written in full, doubles with the shortest text that reads back the same,
 /// independent of the locale. A value that JSON cannot hold (a text that is not UTF-8, a number that is not
 /// finite) is remembered as the error with its path, and `finish` returns it. One thread at a time.
-class JSONWriter {
+class NIMBUSCOPE_EXPORT JSONWriter {
   public:
     void beginObject() { begin('{', false); }
     void endObject() { end('}'); }

@@ -2,10 +2,12 @@
 
 #include <chrono>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// What time it is.
-class Clock {
+class NIMBUSCOPE_EXPORT Clock {
   public:
     virtual ~Clock() = default;
 
@@ -14,7 +16,7 @@ class Clock {
 };
 
 /// The computer's clock.
-class SystemClock final : public Clock {
+class NIMBUSCOPE_EXPORT SystemClock final : public Clock {
   public:
     [[nodiscard]] std::chrono::system_clock::time_point now() const override {
         return std::chrono::system_clock::now();

@@ -9,11 +9,12 @@
 
 #include "Platform/Concurrency/DispatchQueue.hpp"
 #include "Platform/Concurrency/Timer.hpp"
+#include "Platform/Core/Export.hpp"
 
 namespace nimbuscope::platform {
 
 /// A thread's loop: the queue of its work, and its timers.
-class RunLoop : public DispatchQueue {
+class NIMBUSCOPE_EXPORT RunLoop : public DispatchQueue {
   public:
     /// Hands `work` over once `delay` has passed.
     virtual void asyncAfter(std::chrono::nanoseconds delay, Work work) = 0;
@@ -23,7 +24,7 @@ class RunLoop : public DispatchQueue {
 };
 
 /// The run loop of a program's first thread.
-class MainRunLoop final : public RunLoop {
+class NIMBUSCOPE_EXPORT MainRunLoop final : public RunLoop {
   public:
     MainRunLoop();
 

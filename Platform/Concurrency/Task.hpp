@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSError.hpp"
 #include "Platform/Core/Result.hpp"
 
@@ -50,7 +51,7 @@ class Completion {
 ///
 /// Any thread may start tasks. Completion handlers are called on a thread of the pool and must not throw.
 /// Destruction waits for the tasks that run; a task that can never go on is dropped, and its handler told so.
-class TaskPool {
+class NIMBUSCOPE_EXPORT TaskPool {
   public:
     /// The threads are made with the first task.
     explicit TaskPool(std::size_t threads) : threadCount_(threads) {}

@@ -7,11 +7,13 @@
 #include <optional>
 #include <vector>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// Calls a block at an interval, once or again and again, after it was added to a run loop. Held by shared
 /// pointer; the run loop holds it too as long as it is valid.
-class Timer {
+class NIMBUSCOPE_EXPORT Timer {
   public:
     using Block = std::function<void(Timer&)>;
 
@@ -46,7 +48,7 @@ class Timer {
 /// The loop sleeps until the first timer that can wait no longer, and then fires every one that is due:
 /// timers whose tolerances overlap share one wake-up. A timer that repeats keeps to its first date plus
 /// multiples of its interval; those missed are left out.
-class TimerSchedule {
+class NIMBUSCOPE_EXPORT TimerSchedule {
   public:
     using Instant = std::chrono::steady_clock::time_point;
 

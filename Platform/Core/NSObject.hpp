@@ -2,10 +2,12 @@
 
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// The root of classes whose instances have an identity: held by pointer, compared by address, never copied.
-class NSObject {
+class NIMBUSCOPE_EXPORT NSObject {
   public:
     virtual ~NSObject() = default;
     NSObject(const NSObject&) = delete;

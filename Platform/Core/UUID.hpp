@@ -4,10 +4,12 @@
 #include <cstdint>
 #include <string>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// A universally unique identifier (RFC 4122).
-struct UUID {
+struct NIMBUSCOPE_EXPORT UUID {
     std::array<std::uint8_t, 16> bytes{};  ///< network byte order
 
     /// A fresh random identifier (version 4), drawn from the system's entropy source. Safe from any thread.

@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSError.hpp"
 #include "Platform/CoreLocation/CLLocation.hpp"
 
@@ -48,7 +49,7 @@ class CLLocationManager;
 
 /// Learns where the device is. Called on the run loop of the manager, never from within a call to it; may
 /// call the manager, and may take itself off.
-class CLLocationManagerDelegate {
+class NIMBUSCOPE_EXPORT CLLocationManagerDelegate {
   public:
     virtual ~CLLocationManagerDelegate() = default;
 
@@ -66,7 +67,7 @@ class CLLocationManagerDelegate {
 /// The operating system's location service as one process sees it. Used from the thread of its run loop
 /// alone; no call waits for the service. A service that vanishes and returns is a normal state: the status is
 /// `notDetermined` meanwhile, and what was being monitored goes on by itself.
-class CLLocationManager {
+class NIMBUSCOPE_EXPORT CLLocationManager {
   public:
     virtual ~CLLocationManager() = default;
 

@@ -10,6 +10,7 @@
 #include "Platform/Coding/JSONDocument.hpp"
 #include "Platform/Coding/JSONWriter.hpp"
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 namespace nimbuscope::platform {
@@ -37,10 +38,10 @@ struct DefaultsValue
 /// Writes a value as JSON in a form that reads back with every type kept: a double always has a fraction or
 /// an exponent, data is `{"$data": BASE64}`, and a dictionary key that itself begins with "$" gets a second
 /// one.
-void writeJSON(JSONWriter& writer, const DefaultsValue& value);
+NIMBUSCOPE_EXPORT void writeJSON(JSONWriter& writer, const DefaultsValue& value);
 
 /// The value that such JSON stands for. Integers must fit 64 bits with sign; null stands for no value and is
 /// an error, as is a dictionary key that begins with a single "$" other than "$data".
-[[nodiscard]] Result<DefaultsValue, DecodingError> defaultsValue(JSONElement json);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<DefaultsValue, DecodingError> defaultsValue(JSONElement json);
 
 }  // namespace nimbuscope::platform

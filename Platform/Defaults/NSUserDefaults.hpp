@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Defaults/DefaultsValue.hpp"
 
@@ -39,7 +40,7 @@ using DefaultsResult = Result<T, DefaultsError>;
 ///
 /// Every write is on the disk when it returns, and is seen by the next read of any process. Readers do not
 /// wait for writers. Any thread may call; calls on one object are carried out one after another.
-class NSUserDefaults {
+class NIMBUSCOPE_EXPORT NSUserDefaults {
   public:
     virtual ~NSUserDefaults() = default;
 
@@ -67,7 +68,7 @@ class NSUserDefaults {
 };
 
 /// Where stores are opened.
-class NSUserDefaultsSuites {
+class NIMBUSCOPE_EXPORT NSUserDefaultsSuites {
   public:
     virtual ~NSUserDefaultsSuites() = default;
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Graphics/CGImage.hpp"
 
@@ -43,19 +44,19 @@ struct RGBAImage {
 
 /// The PNG file of 8-bit RGBA pixels, which it carries as they are. Both sides must be at least 1, and
 /// `pixels` must hold width × height × 4 bytes. The same pixels give the same bytes.
-[[nodiscard]] Result<Data, PNGError> encodePNG(std::uint32_t width, std::uint32_t height,
-                                               std::span<const std::uint8_t> pixels);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<Data, PNGError> encodePNG(std::uint32_t width, std::uint32_t height,
+                                                                 std::span<const std::uint8_t> pixels);
 
 /// The pixels of any PNG file as 8-bit RGBA. An image of more than `maximalPixels` pixels is an error before
 /// memory is taken for it.
-[[nodiscard]] Result<RGBAImage, PNGError> decodePNG(std::span<const std::uint8_t> file,
-                                                    std::size_t maximalPixels);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<RGBAImage, PNGError> decodePNG(std::span<const std::uint8_t> file,
+                                                                      std::size_t maximalPixels);
 
 /// The samples of a PNG file as it stores them, interlacing undone: rows from the top without padding between
 /// them, 16-bit samples most significant byte first. Palettes, gamma and transparent colours are not applied.
 /// Samples narrower than a byte are packed, the leftmost in the highest bits, and each row begins with a
 /// byte. No more is inflated than the image has, whatever the file holds.
-[[nodiscard]] Result<CGImage, PNGError> decodePNGSamples(std::span<const std::uint8_t> file,
-                                                         const PNGLimits& limits);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<CGImage, PNGError> decodePNGSamples(std::span<const std::uint8_t> file,
+                                                                           const PNGLimits& limits);
 
 }  // namespace nimbuscope::platform

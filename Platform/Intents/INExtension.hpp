@@ -7,13 +7,14 @@
 #include <string_view>
 
 #include "Platform/Coding/JSONDocument.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Intents/INIntent.hpp"
 
 namespace nimbuscope::platform {
 
 /// The principal object of an extension: says which object serves an intent.
-class INExtension : public NSObject, public std::enable_shared_from_this<INExtension> {
+class NIMBUSCOPE_EXPORT INExtension : public NSObject, public std::enable_shared_from_this<INExtension> {
   public:
     [[nodiscard]] virtual std::shared_ptr<NSObject> handler(const INIntent& intent) = 0;
 };
@@ -56,7 +57,7 @@ struct INExtensionDefinition {
 /// Carries out calls by name on an extension: finds the intent's handler through the principal object, and
 /// the operation by method and class of intent. Beside the operations of the definition there is "handler",
 /// for every intent, which answers {"handler": CLASS}. Calls may be made from any thread.
-class INExtensionDispatcher {
+class NIMBUSCOPE_EXPORT INExtensionDispatcher {
   public:
     /// Makes the principal object.
     explicit INExtensionDispatcher(INExtensionDefinition definition)

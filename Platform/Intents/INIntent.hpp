@@ -10,6 +10,7 @@
 #include <variant>
 
 #include "Platform/Coding/Enumeration.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Intents/INObject.hpp"
 
 namespace nimbuscope::platform {
@@ -25,7 +26,7 @@ struct INParameter {
 };
 
 /// A request of the system to the extension, with parameters that are kept under their names.
-class INIntent : public NSObject {
+class NIMBUSCOPE_EXPORT INIntent : public NSObject {
   public:
     /// The parameters of the class, fixed at build time.
     [[nodiscard]] virtual std::span<const INParameter> parameterTable() const = 0;
@@ -36,7 +37,7 @@ class INIntent : public NSObject {
 
     /// Writes {"class": …, "parameters": {…}} with the parameters that have a value, in the order of the
     /// table.
-    friend void writeJSON(JSONWriter& writer, const INIntent& intent);
+    NIMBUSCOPE_EXPORT friend void writeJSON(JSONWriter& writer, const INIntent& intent);
 
   protected:
     /// The value of a scalar parameter, or none.
@@ -105,10 +106,10 @@ Result<INParameterValue, DecodingError> decodeObjectParameter(JSONElement json) 
 }
 
 /// An intent as the bytes of its keyed form.
-[[nodiscard]] Result<std::string, EncodingError> archived(const INIntent& intent);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<std::string, EncodingError> archived(const INIntent& intent);
 
 /// The class and the parameters of an intent in its keyed form, before an intent is made of them.
-struct INIntentForm {
+struct NIMBUSCOPE_EXPORT INIntentForm {
     std::string className;
     std::optional<JSONElement> parameters;  ///< valid as long as the document that it was read from
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Platform/Coding/Enumeration.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Fatal.hpp"
 #include "Platform/Intents/INObject.hpp"
 
@@ -110,6 +111,6 @@ class INEnumResolutionResult {
 };
 
 /// Writes {"resolution": NAME} and, for a success, "value" with the object.
-void writeJSON(JSONWriter& writer, const INObjectResolutionResult& result);
+NIMBUSCOPE_EXPORT void writeJSON(JSONWriter& writer, const INObjectResolutionResult& result);
 
 }  // namespace nimbuscope::platform

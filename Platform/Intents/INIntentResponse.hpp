@@ -3,13 +3,14 @@
 #include <optional>
 
 #include "Platform/Coding/JSONWriter.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSObject.hpp"
 #include "Platform/Intents/NSUserActivity.hpp"
 
 namespace nimbuscope::platform {
 
 /// The answer to an intent that was handled. Each class adds its code.
-class INIntentResponse : public NSObject {
+class NIMBUSCOPE_EXPORT INIntentResponse : public NSObject {
   public:
     /// What the application goes on with; none unless the code says so.
     std::optional<NSUserActivity> userActivity;
@@ -19,6 +20,6 @@ class INIntentResponse : public NSObject {
 };
 
 /// Writes {"class": …, "code": …, "userActivity": {"activityType", "title", "userInfo"} or null}.
-void writeJSON(JSONWriter& writer, const INIntentResponse& response);
+NIMBUSCOPE_EXPORT void writeJSON(JSONWriter& writer, const INIntentResponse& response);
 
 }  // namespace nimbuscope::platform

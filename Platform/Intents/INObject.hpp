@@ -7,12 +7,13 @@
 
 #include "Platform/Coding/JSONDecoder.hpp"
 #include "Platform/Coding/JSONWriter.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/NSObject.hpp"
 
 namespace nimbuscope::platform {
 
 /// A thing that a person chooses as the value of an intent's parameter. Does not change once made.
-class INObject : public NSObject {
+class NIMBUSCOPE_EXPORT INObject : public NSObject {
   public:
     INObject(std::optional<std::string> identifier, std::string display,
              std::optional<std::string> pronunciationHint = std::nullopt)
@@ -35,7 +36,7 @@ class INObject : public NSObject {
 
     /// Writes the keyed form: "class", "identifier", "display", then "pronunciationHint" where there is one,
     /// then what the class adds.
-    friend void writeJSON(JSONWriter& writer, const INObject& object);
+    NIMBUSCOPE_EXPORT friend void writeJSON(JSONWriter& writer, const INObject& object);
 
   protected:
     /// The keys that a class adds to the keyed form.
@@ -49,7 +50,7 @@ class INObject : public NSObject {
 };
 
 /// An object as the bytes of its keyed form; fails for text that is not UTF-8.
-[[nodiscard]] Result<std::string, EncodingError> archived(const INObject& object);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<std::string, EncodingError> archived(const INObject& object);
 
 /// The object of class T that was archived as `bytes`.
 template <std::derived_from<INObject> T>

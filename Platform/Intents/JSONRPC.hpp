@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "Platform/Coding/JSONDocument.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Intents/INExtension.hpp"
 
 /// The envelope of JSON-RPC 2.0 messages.
@@ -38,13 +39,14 @@ struct Rejection {
 };
 
 /// Reads one line. Batches are not taken: one message a line.
-[[nodiscard]] Result<Request, Rejection> readRequest(JSONDocument& document, std::string_view line);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<Request, Rejection> readRequest(JSONDocument& document,
+                                                                       std::string_view line);
 
 /// The error that stands for a failed call.
-[[nodiscard]] Error errorOf(const INCallError& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT Error errorOf(const INCallError& error);
 
 /// Replies, each one line with its line feed.
-[[nodiscard]] std::string resultLine(std::string_view id, std::string_view resultJSON);
-[[nodiscard]] std::string errorLine(std::string_view id, const Error& error);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string resultLine(std::string_view id, std::string_view resultJSON);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string errorLine(std::string_view id, const Error& error);
 
 }  // namespace nimbuscope::platform::jsonrpc

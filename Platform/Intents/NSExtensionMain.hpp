@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Intents/INExtension.hpp"
 
 namespace nimbuscope::platform {
@@ -10,6 +11,7 @@ namespace nimbuscope::platform {
 /// Calls are JSON-RPC 2.0 messages, one a line, read from the file descriptor `input`; replies go to
 /// `output`, in the order in which they come about. Lines longer than 4 MiB are answered with an error, and
 /// any number of calls takes bounded memory. Notifications are carried out and not answered.
-[[nodiscard]] int NSExtensionMain(INExtensionDefinition definition, int input = 0, int output = 1);
+[[nodiscard]] NIMBUSCOPE_EXPORT int NSExtensionMain(INExtensionDefinition definition, int input = 0,
+                                                    int output = 1);
 
 }  // namespace nimbuscope::platform

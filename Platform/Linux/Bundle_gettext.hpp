@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Locale/Bundle.hpp"
 
 namespace nimbuscope::platform {
@@ -10,7 +11,7 @@ namespace nimbuscope::platform {
 ///
 /// The language is that of the process's message locale, or of `$LANGUAGE`. One process-wide directory: the
 /// last bundle that was made says which.
-class GettextBundle final : public Bundle {
+class NIMBUSCOPE_EXPORT GettextBundle final : public Bundle {
   public:
     explicit GettextBundle(const std::string& directory);
 

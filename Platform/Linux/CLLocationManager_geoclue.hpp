@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/CoreLocation/CLLocationManager.hpp"
 
 namespace nimbuscope::platform {
@@ -27,7 +28,7 @@ struct GeoClueOptions {
 /// the user when positions are first wanted, so a request starts it for the moment. No bus, no service or
 /// nobody to ask are `notDetermined`. Background updates need no permission. Significant changes are those of
 /// a kilometre, known to the accuracy of a city.
-[[nodiscard]] std::unique_ptr<CLLocationManager> makeGeoClueLocationManager(
+[[nodiscard]] NIMBUSCOPE_EXPORT std::unique_ptr<CLLocationManager> makeGeoClueLocationManager(
     const asio::any_io_executor& runLoop, GeoClueOptions options = {});
 
 }  // namespace nimbuscope::platform

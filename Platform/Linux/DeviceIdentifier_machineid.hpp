@@ -2,13 +2,14 @@
 
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Security/DeviceIdentifier.hpp"
 
 namespace nimbuscope::platform {
 
 /// Made from the machine id of the installation (32 hexadecimal digits in a file), by a hash that it keys and
 /// that does not give it away.
-class MachineDeviceIdentifier final : public DeviceIdentifier {
+class NIMBUSCOPE_EXPORT MachineDeviceIdentifier final : public DeviceIdentifier {
   public:
     explicit MachineDeviceIdentifier(std::string file = "/etc/machine-id") : file_(std::move(file)) {}
 

@@ -3,12 +3,13 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Locale/Locale.hpp"
 
 namespace nimbuscope::platform {
 
 /// A locale as the Unicode locale data (CLDR) know it, found by name: it need not be installed.
-class ICULocale final : public Locale {
+class NIMBUSCOPE_EXPORT ICULocale final : public Locale {
   public:
     /// The locale of a POSIX name ("de_CH.UTF-8@euro"); codeset and modifier do not count. "C", "POSIX", the
     /// empty name and names that nobody knows stand for no region: metric.

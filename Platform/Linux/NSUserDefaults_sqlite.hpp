@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Defaults/NSUserDefaults.hpp"
 
 namespace nimbuscope::platform {
@@ -14,7 +15,7 @@ namespace nimbuscope::platform {
 /// Files have mode 0600. A store that does not exist reads as empty and comes into being, whole, with the
 /// first write. A file that is no such store, is damaged or was written in a newer format is reported and
 /// left alone. A process killed at any moment leaves every write that returned, and none that did not begin.
-class SQLiteUserDefaultsSuites final : public NSUserDefaultsSuites {
+class NIMBUSCOPE_EXPORT SQLiteUserDefaultsSuites final : public NSUserDefaultsSuites {
   public:
     /// How long a caller waits while other processes hold a lock, in milliseconds.
     static constexpr int defaultBusyTimeout = 5000;

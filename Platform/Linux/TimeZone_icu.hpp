@@ -6,12 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Locale/TimeZone.hpp"
 
 namespace nimbuscope::platform {
 
 /// The clocks of a region as the IANA time zone database knows them.
-class ICUTimeZone final : public TimeZone {
+class NIMBUSCOPE_EXPORT ICUTimeZone final : public TimeZone {
   public:
     /// The zone that the environment variable `TZ` or the system's settings name; UTC when there is none.
     [[nodiscard]] static ICUTimeZone current();

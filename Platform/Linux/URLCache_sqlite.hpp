@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/URLLoading/URLCache.hpp"
 
 namespace nimbuscope::platform {
@@ -18,7 +19,7 @@ inline constexpr std::size_t defaultCacheCapacity = std::size_t{64} << 20U;
 /// of another format is deleted and made anew. Losing power may cost what is stored, but never gives a
 /// response that the server did not. Which responses were used is written with the next one that is stored,
 /// or at the end.
-[[nodiscard]] std::shared_ptr<URLCache> makeSQLiteURLCache(std::string directory,
-                                                           std::size_t capacity = defaultCacheCapacity);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::shared_ptr<URLCache> makeSQLiteURLCache(
+    std::string directory, std::size_t capacity = defaultCacheCapacity);
 
 }  // namespace nimbuscope::platform

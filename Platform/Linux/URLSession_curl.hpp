@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "Platform/Concurrency/DispatchQueue.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/URLLoading/URLSession.hpp"
 
 namespace nimbuscope::platform {
@@ -16,13 +17,14 @@ namespace nimbuscope::platform {
 /// configuration's cache is not used: see CachingURLSession.
 ///
 /// Must not be destroyed by one of its handlers.
-class CurlURLSession : public URLSession {
+class NIMBUSCOPE_EXPORT CurlURLSession : public URLSession {
   public:
     /// The serial queue of the session's thread, which is named "Network". Requests that are made there start
     /// without a change of threads.
     [[nodiscard]] virtual DispatchQueue& queue() = 0;
 };
 
-[[nodiscard]] std::unique_ptr<CurlURLSession> makeCurlURLSession(URLSessionConfiguration configuration);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::unique_ptr<CurlURLSession> makeCurlURLSession(
+    URLSessionConfiguration configuration);
 
 }  // namespace nimbuscope::platform

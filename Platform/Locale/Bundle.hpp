@@ -3,10 +3,12 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// Where a program's texts in the user's language come from.
-class Bundle {
+class NIMBUSCOPE_EXPORT Bundle {
   public:
     virtual ~Bundle() = default;
 

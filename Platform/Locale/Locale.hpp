@@ -4,10 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// The customs of a language and a region.
-class Locale {
+class NIMBUSCOPE_EXPORT Locale {
   public:
     virtual ~Locale() = default;
 

@@ -2,10 +2,12 @@
 
 #include <string>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// The offset of civil time in some region.
-class TimeZone {
+class NIMBUSCOPE_EXPORT TimeZone {
   public:
     virtual ~TimeZone() = default;
 

@@ -6,6 +6,7 @@
 #include <span>
 
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 
 /// Hashing, message authentication and ciphers.
@@ -15,7 +16,7 @@ using Bytes = std::span<const std::uint8_t>;
 using SHA256Digest = std::array<std::uint8_t, 32>;
 
 /// Hashes with working memory that is kept from call to call. One thread at a time.
-class SHA256 {
+class NIMBUSCOPE_EXPORT SHA256 {
   public:
     SHA256();
     ~SHA256();
@@ -47,7 +48,8 @@ inline constexpr std::size_t aesBlockSize = 16;
 
 /// AES-256 in CBC mode with PKCS #7 padding. Of `key` the first 32 bytes count, of `initialisationVector` the
 /// first 16. Safe from any thread.
-[[nodiscard]] Result<Data, CryptError> crypt(CryptOperation operation, Bytes initialisationVector, Bytes key,
-                                             Bytes data);
+[[nodiscard]] NIMBUSCOPE_EXPORT Result<Data, CryptError> crypt(CryptOperation operation,
+                                                               Bytes initialisationVector, Bytes key,
+                                                               Bytes data);
 
 }  // namespace nimbuscope::platform

@@ -2,12 +2,13 @@
 
 #include <optional>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/UUID.hpp"
 
 namespace nimbuscope::platform {
 
 /// Tells devices apart.
-class DeviceIdentifier {
+class NIMBUSCOPE_EXPORT DeviceIdentifier {
   public:
     virtual ~DeviceIdentifier() = default;
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/Security/CommonCrypto.hpp"
 
@@ -20,7 +21,7 @@ enum class SecError {
 };
 
 /// A public RSA key. Safe from any thread.
-class SecKey {
+class NIMBUSCOPE_EXPORT SecKey {
   public:
     virtual ~SecKey() = default;
 
@@ -32,7 +33,7 @@ class SecKey {
 };
 
 /// Keeps public RSA keys under application tags. One thread at a time.
-class SecKeyStore {
+class NIMBUSCOPE_EXPORT SecKeyStore {
   public:
     virtual ~SecKeyStore() = default;
 

@@ -3,10 +3,12 @@
 #include <cstdint>
 #include <span>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// A source of random bytes.
-class SecRandom {
+class NIMBUSCOPE_EXPORT SecRandom {
   public:
     virtual ~SecRandom() = default;
 

@@ -7,11 +7,13 @@
 #include <string_view>
 #include <vector>
 
+#include "Platform/Core/Export.hpp"
+
 namespace nimbuscope::platform {
 
 /// The fields of an HTTP header section, in order. Names are compared without regard to the case of ASCII
 /// letters and keep the spelling they were given.
-class HTTPHeaders {
+class NIMBUSCOPE_EXPORT HTTPHeaders {
   public:
     struct Field {
         std::string name;
@@ -46,6 +48,6 @@ class HTTPHeaders {
 };
 
 /// True when two texts differ in nothing but the case of ASCII letters.
-[[nodiscard]] bool equalsIgnoringCase(std::string_view left, std::string_view right);
+[[nodiscard]] NIMBUSCOPE_EXPORT bool equalsIgnoringCase(std::string_view left, std::string_view right);
 
 }  // namespace nimbuscope::platform

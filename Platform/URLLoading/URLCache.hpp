@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "Platform/Core/Data.hpp"
+#include "Platform/Core/Export.hpp"
 #include "Platform/URLLoading/HTTPHeaders.hpp"
 #include "Platform/URLLoading/URLResponse.hpp"
 
@@ -25,7 +26,7 @@ struct CachedURLResponse {
 /// need more than its capacity. It does not judge them: see CachingURLSession.
 ///
 /// It never fails: what cannot be read or stored is not there. Any thread may call.
-class URLCache {
+class NIMBUSCOPE_EXPORT URLCache {
   public:
     virtual ~URLCache() = default;
 

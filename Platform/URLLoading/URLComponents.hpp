@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/URLLoading/URLError.hpp"
 
@@ -21,7 +22,7 @@ struct URLQueryItem {
 
 /// The parts of an absolute URL with a host (RFC 3986). Nothing is normalised: no dot segments are removed,
 /// no slashes merged, no case changed.
-struct URLComponents {
+struct NIMBUSCOPE_EXPORT URLComponents {
     std::string scheme;                 ///< lower case
     std::optional<std::string> user;    ///< user information, as written
     std::string host;                   ///< as written; an IPv6 address in its brackets
@@ -50,14 +51,14 @@ struct URLComponents {
 
 /// True for a host name or address that can stand in a URL, with or without ":" and a port: "localhost:8443",
 /// "[::1]". Labels are letters, digits, "-" and "_".
-[[nodiscard]] bool isValidHostAndPort(std::string_view text);
+[[nodiscard]] NIMBUSCOPE_EXPORT bool isValidHostAndPort(std::string_view text);
 
 /// The bytes of `text` with every escape decoded; absent for an escape that is not "%" and two hexadecimal
 /// digits.
-[[nodiscard]] std::optional<std::string> removingPercentEncoding(std::string_view text);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::optional<std::string> removingPercentEncoding(std::string_view text);
 
 /// The text of a URL path: bytes other than RFC 3986's pchar and "/", and ";", become "%" and two upper-case
 /// hexadecimal digits.
-[[nodiscard]] std::string addingPercentEncodingForPath(std::string_view text);
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string addingPercentEncodingForPath(std::string_view text);
 
 }  // namespace nimbuscope::platform

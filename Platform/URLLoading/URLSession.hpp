@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "Platform/Core/Export.hpp"
 #include "Platform/Core/Result.hpp"
 #include "Platform/URLLoading/URLCache.hpp"
 #include "Platform/URLLoading/URLError.hpp"
@@ -40,7 +41,7 @@ using URLSessionHandler = std::move_only_function<void(URLSessionResult)>;
 
 /// Loads what URLs name, over HTTPS alone. Certificates and host names are verified always. Redirects are not
 /// followed: a status 3xx is a response like any other.
-class URLSession {
+class NIMBUSCOPE_EXPORT URLSession {
   public:
     virtual ~URLSession() = default;
 
