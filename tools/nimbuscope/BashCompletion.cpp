@@ -74,6 +74,7 @@ std::string places(const CommandDescription& command) {
     }
     if (!command.commands.empty()) {
         std::vector<std::string> names;
+        names.reserve(command.commands.size());
         for (const CommandDescription& below : command.commands) {
             names.push_back(below.name);
         }
