@@ -73,6 +73,7 @@ class SQLiteUserDefaults final : public NSUserDefaults {
         SQLiteStatement selectAll;
         SQLiteStatement insert;
         SQLiteStatement remove;
+        bool isWhole = false;  ///< it has been looked through
     };
 
     [[nodiscard]] std::unexpected<DefaultsError> error(Code code, std::string reason) const {
@@ -84,6 +85,7 @@ class SQLiteUserDefaults final : public NSUserDefaults {
 
     [[nodiscard]] DefaultsResult<Open*> open() const;
     [[nodiscard]] DefaultsResult<Open*> openOrCreate();
+    [[nodiscard]] DefaultsResult<Open*> openForWriting() const;
     [[nodiscard]] DefaultsResult<void> create() const;
     [[nodiscard]] SQLiteResult<void> initialise(const std::string& path) const;
     [[nodiscard]] DefaultsResult<void> checkFormat(SQLiteConnection& connection) const;
@@ -176,7 +178,7 @@ DefaultsResult<void> SQLiteUserDefaults::set(std::string_view key, const Default
 
 DefaultsResult<void> SQLiteUserDefaults::removeObject(std::string_view key) {
     const std::lock_guard lock(mutex_);
-    const auto store = open();
+    const auto store = openForWriting();
     if (!store) {
         return std::unexpected(store.error());
     }
@@ -274,7 +276,7 @@ DefaultsResult<void> SQLiteUserDefaults::checkFormat(SQLiteConnection& connectio
 }
 
 DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::openOrCreate() {
-    const auto store = open();
+    const auto store = openForWriting();
     if (!store || *store != nullptr) {
         return store;
     }
@@ -282,7 +284,26 @@ DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::openOrCreate() {
     if (!created) {
         return std::unexpected(created.error());
     }
-    return open();
+    return openForWriting();
+}
+
+/// As `open`, for a store that is whole: writing among damaged pages could cost what they still hold. Looked
+/// through once, all of it; a caller that only reads does not pay for that.
+DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::openForWriting() const {
+    const auto store = open();
+    if (!store || *store == nullptr || (*store)->isWhole) {
+        return store;
+    }
+    auto check = (*store)->connection.prepare("PRAGMA integrity_check(1)");
+    const auto row = check ? check->step() : std::unexpected(check.error());
+    if (!row) {
+        return error(row.error());
+    }
+    if (check->text(0) != "ok") {
+        return error(Code::damaged, "the file is damaged");
+    }
+    (*store)->isWhole = true;
+    return store;
 }
 
 /// Makes the file beside its place and links it there complete: nobody ever sees a part of a store, and of
