@@ -61,7 +61,7 @@ void injureAgainAndAgain(Row& row, Fill fill, Use use) {
     const TemporaryDirectory closed;
     fill(closed.path())();
     const TemporaryDirectory abandoned;
-    abandonInChild([&] { new auto(fill(abandoned.path())); });
+    expectSoundInChild([&] { new auto(fill(abandoned.path())); });
     for (int i = 0; i < (count() + tests - 1) / tests && !::testing::Test::HasFailure(); ++i, ++row) {
         const TemporaryDirectory injured;
         const std::string directory = injured.path("copy");

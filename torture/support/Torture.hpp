@@ -24,8 +24,9 @@ class Row {
     Row(const Row&) = delete;
     Row& operator=(const Row&) = delete;
 
-    /// Counts one more injury.
+    /// Counts injuries.
     void operator++() { ++done_; }
+    void operator+=(std::int64_t injuries) { done_ += injuries; }
 
   private:
     std::string work_;
