@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <map>
 
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
 #include "NimbuscopeKit/Forecast/ApiForecast.hpp"
@@ -25,13 +26,19 @@ using platform::Data;
 constexpr std::size_t capacity = 40000;
 constexpr int urls = 12;
 
-platform::CachedURLResponse response(int number) {
+platform::CachedURLResponse newResponse(int number) {
     const auto instant = std::chrono::sys_seconds(std::chrono::seconds(1'700'000'000 + number));
     return {{"https://radar.example/tiles/" + std::to_string(number), 200, {{"Cache-Control", "max-age=60"}}},
             Data(static_cast<std::size_t>(3000), static_cast<std::uint8_t>(number)),
             {{"Accept", "*/*"}},
             instant,
             instant};
+}
+
+/// Made once and undisturbed.
+const platform::CachedURLResponse& response(int number) {
+    static std::map<int, platform::CachedURLResponse> made;
+    return made.try_emplace(number, newResponse(number)).first->second;
 }
 
 std::shared_ptr<platform::URLCache> cacheIn(const std::string& directory) {

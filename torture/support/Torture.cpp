@@ -23,9 +23,9 @@ std::uint32_t seed() {
 
 Row::~Row() {
     const auto taken = std::chrono::steady_clock::now() - begun_;
-    std::printf("| %s | %lld | %lld s | %s |\n", work_.c_str(), static_cast<long long>(done_),
+    std::printf("| %s | %lld | %lld s | %s%s%s |\n", work_.c_str(), static_cast<long long>(done_),
                 static_cast<long long>(std::chrono::round<std::chrono::seconds>(taken).count()),
-                ::testing::Test::HasFailure() ? "FAILED" : "clean");
+                ::testing::Test::HasFailure() ? "FAILED" : "clean", note_.empty() ? "" : ", ", note_.c_str());
     std::fflush(stdout);
 }
 

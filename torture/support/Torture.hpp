@@ -28,8 +28,12 @@ class Row {
     void operator++() { ++done_; }
     void operator+=(std::int64_t injuries) { done_ += injuries; }
 
+    /// Something to be said behind "clean".
+    void note(std::string text) { note_ = std::move(text); }
+
   private:
     std::string work_;
+    std::string note_;
     std::int64_t done_ = 0;
     std::chrono::steady_clock::time_point begun_ = std::chrono::steady_clock::now();
 };
