@@ -95,7 +95,7 @@ TEST_F(SQLiteUserDefaults, aStoreWithDamagedPagesIsNotWritten) {
     for (int i = 0; i < 60; ++i) {
         ASSERT_TRUE(open()->set("k" + std::to_string(i), std::string(100, 'x')));
     }
-    const std::string cut = readFile(file).substr(0, readFile(file).size() - 60);
+    const std::string cut = readFile(file).substr(0, readFile(file).size() - 200);
     writeFile(file, cut);
     EXPECT_TRUE(open()->object("k0"));
     EXPECT_EQ(open()->set("k0", true).error().code, DefaultsError::Code::damaged);
