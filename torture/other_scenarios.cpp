@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
 
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
 #include "NimbuscopeKit/Forecast/ApiForecast.hpp"
@@ -25,6 +24,7 @@ using platform::Data;
 
 constexpr std::size_t capacity = 40000;
 constexpr int urls = 12;
+constexpr int lastNumber = 20;
 
 platform::CachedURLResponse newResponse(int number) {
     const auto instant = std::chrono::sys_seconds(std::chrono::seconds(1'700'000'000 + number));
@@ -35,10 +35,16 @@ platform::CachedURLResponse newResponse(int number) {
             instant};
 }
 
-/// Made once and undisturbed.
+/// Made before anything is disturbed, all of them.
 const platform::CachedURLResponse& response(int number) {
-    static std::map<int, platform::CachedURLResponse> made;
-    return made.try_emplace(number, newResponse(number)).first->second;
+    static const auto all = [] {
+        std::vector<platform::CachedURLResponse> made;
+        for (int i = 0; i <= lastNumber; ++i) {
+            made.push_back(newResponse(i));
+        }
+        return made;
+    }();
+    return all.at(static_cast<std::size_t>(number));
 }
 
 std::shared_ptr<platform::URLCache> cacheIn(const std::string& directory) {
@@ -62,9 +68,10 @@ std::string held(const std::string& directory) {
             EXPECT_TRUE(!found || *found == response(i)) << i;
             numbers += found ? std::to_string(i) + ' ' : "";
         }
-        cache->storeCachedResponse(response(99));
+        cache->storeCachedResponse(response(lastNumber));
     }
-    EXPECT_TRUE(cacheIn(directory)->cachedResponse(response(99).response.url) == response(99));
+    EXPECT_TRUE(cacheIn(directory)->cachedResponse(response(lastNumber).response.url) ==
+                response(lastNumber));
     return numbers;
 }
 

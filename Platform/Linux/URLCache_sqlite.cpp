@@ -30,8 +30,7 @@ constexpr const char* settings =
     "PRAGMA synchronous = OFF;";
 
 bool isDamage(const SQLiteError& error) {
-    // A file of the right version without the right tables gives the general error.
-    return error.code == SQLITE_CORRUPT || error.code == SQLITE_NOTADB || error.code == SQLITE_ERROR;
+    return error.code == SQLITE_CORRUPT || error.code == SQLITE_NOTADB;
 }
 
 class SQLiteURLCache final : public URLCache {
@@ -271,6 +270,10 @@ SQLiteResult<void> SQLiteURLCache::open() {
          }) {
         auto prepared = store.connection.prepare(sql);
         if (!prepared) {
+            // A file of the right version without the right tables gives the general error.
+            if (prepared.error().code == SQLITE_ERROR) {
+                prepared.error().code = SQLITE_NOTADB;
+            }
             return std::unexpected(std::move(prepared.error()));
         }
         *statement = std::move(*prepared);
