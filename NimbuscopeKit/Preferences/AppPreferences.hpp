@@ -171,6 +171,10 @@ struct NIMBUSCOPE_EXPORT AppPreferences {
     [[nodiscard]] static AppPreferences fromUserDefaults(const platform::NSUserDefaults& userDefaults,
                                                          const platform::Locale& locale);
 
+    /// As above, with an error where the store cannot be read just now: for a record that is to be kept.
+    [[nodiscard]] static platform::DefaultsResult<AppPreferences> checkedFromUserDefaults(
+        const platform::NSUserDefaults& userDefaults, const platform::Locale& locale);
+
     /// What leads from the version before `to` to that version.
     [[nodiscard]] static Migration migrate(Version to);
 

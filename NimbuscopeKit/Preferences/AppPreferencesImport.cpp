@@ -1,6 +1,7 @@
 // The older settings, in which every setting had a key of its own in the key-value store.
 
 #include <type_traits>
+#include <utility>
 
 #include "NimbuscopeKit/Preferences/AppPreferences.hpp"
 #include "NimbuscopeKit/Preferences/Migration.hpp"
@@ -9,6 +10,7 @@ namespace nimbuscope {
 namespace {
 
 using platform::DefaultsArray;
+using platform::DefaultsError;
 using platform::DefaultsValue;
 
 // A value of the wrong type or not allowed leaves the setting as it is.
@@ -69,11 +71,15 @@ struct Import {
     Section AppPreferences::* section;
     Setting Section::* setting;
 
-    void operator()(const platform::NSUserDefaults& userDefaults, AppPreferences& preferences) const {
-        const auto stored = userDefaults.object(oldKey);
+    /// Why the store could not be read just now. A value that is damaged, and will be, counts as missing.
+    [[nodiscard]] std::optional<DefaultsError> operator()(const platform::NSUserDefaults& userDefaults,
+                                                          AppPreferences& preferences) const {
+        auto stored = userDefaults.object(oldKey);
         if (stored && *stored) {
             take(**stored, preferences.*section.*setting);
         }
+        const bool isLasting = stored || stored.error().code == DefaultsError::Code::damaged;
+        return isLasting ? std::nullopt : std::optional(std::move(stored.error()));
     }
 };
 
@@ -100,6 +106,21 @@ constexpr std::tuple importTable{
 
 static_assert(AppPreferences{}.version == newestVersion<AppPreferences>);
 
+/// The record, and the last fault that kept a value from being read.
+std::pair<AppPreferences, std::optional<DefaultsError>> imported(const platform::NSUserDefaults& userDefaults,
+                                                                 const platform::Locale& locale) {
+    std::pair<AppPreferences, std::optional<DefaultsError>> result;
+    auto& [preferences, fault] = result;
+    preferences.map.units = locale.usesMetricSystem() ? UnitsPreference::Metric : UnitsPreference::Imperial;
+    const auto take = [&](const auto& row) {
+        if (auto found = row(userDefaults, preferences)) {
+            fault = std::move(found);
+        }
+    };
+    std::apply([&](const auto&... row) { (take(row), ...); }, importTable);
+    return result;
+}
+
 }  // namespace
 
 std::optional<MapPreferences::Coordinate> MapPreferences::Coordinate::from(std::optional<double> latitude,
@@ -116,10 +137,16 @@ std::optional<MapPreferences::Rect> MapPreferences::Rect::from(std::optional<dou
 
 AppPreferences AppPreferences::fromUserDefaults(const platform::NSUserDefaults& userDefaults,
                                                 const platform::Locale& locale) {
-    AppPreferences preferences;
-    preferences.map.units = locale.usesMetricSystem() ? UnitsPreference::Metric : UnitsPreference::Imperial;
-    std::apply([&](const auto&... row) { (row(userDefaults, preferences), ...); }, importTable);
-    return preferences;
+    return imported(userDefaults, locale).first;
+}
+
+platform::DefaultsResult<AppPreferences> AppPreferences::checkedFromUserDefaults(
+    const platform::NSUserDefaults& userDefaults, const platform::Locale& locale) {
+    auto [preferences, fault] = imported(userDefaults, locale);
+    if (fault) {
+        return std::unexpected(std::move(*fault));
+    }
+    return std::move(preferences);
 }
 
 }  // namespace nimbuscope

@@ -28,7 +28,10 @@ void set(Dictionary& dictionary, std::string_view section, const char* key, Dict
 }
 
 void addLegend(Dictionary& record) {
-    set(record, "map", "legend", {{"isLegendEnabled", true}, {"tooltipType", 0}});
+    auto legend = Dictionary::object();  // not in braces, whose halves g++ 12 leaves behind without memory
+    legend["isLegendEnabled"] = true;
+    legend["tooltipType"] = 0;
+    set(record, "map", "legend", std::move(legend));
 }
 
 void enableStorms(Dictionary& record) {

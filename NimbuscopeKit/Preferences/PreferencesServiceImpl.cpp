@@ -57,7 +57,7 @@ PreferencesServiceImpl::PreferencesServiceImpl(const platform::NSUserDefaults& s
     if (!copied) {
         track(errorFrom(copied.error()));
     }
-    bringUpToDate();
+    bringUpToDate(copied.has_value());
 }
 
 AppPreferences PreferencesServiceImpl::preferences() {
@@ -131,14 +131,19 @@ DefaultsResult<void> PreferencesServiceImpl::copyOlderSettings(
     return copied ? groupDefaults_->synchronize() : copied;
 }
 
-/// The bytes to store so that the record is up to date; none when it is.
-Result<std::optional<Data>, NSError> PreferencesServiceImpl::outstandingUpdate() const {
+/// The bytes to store so that the record is up to date; none when it is, or where there is none and none may
+/// be made.
+Result<std::optional<Data>, NSError> PreferencesServiceImpl::outstandingUpdate(bool mayMakeRecord) const {
     const auto stored = storedData();
     if (!stored) {
         return std::unexpected(errorFrom(stored.error()));
     }
     if (!*stored) {
-        auto bytes = encoded(imported());
+        if (!mayMakeRecord) {
+            return std::nullopt;
+        }
+        const auto record = checkedImport();
+        auto bytes = record ? encoded(*record) : std::unexpected(record.error());
         return bytes ? Result<std::optional<Data>, NSError>(std::move(*bytes))
                      : std::unexpected(errorFrom(bytes.error()));
     }
@@ -149,11 +154,11 @@ Result<std::optional<Data>, NSError> PreferencesServiceImpl::outstandingUpdate()
     return *migrated == **stored ? std::nullopt : std::optional(std::move(*migrated));
 }
 
-void PreferencesServiceImpl::bringUpToDate() {
-    auto update = outstandingUpdate();
+void PreferencesServiceImpl::bringUpToDate(bool mayMakeRecord) {
+    auto update = outstandingUpdate(mayMakeRecord);
     if (update && *update) {
         auto done = groupDefaults_->transaction([&]() -> DefaultsResult<void> {
-            update = outstandingUpdate();  // once more: another process may have been faster
+            update = outstandingUpdate(mayMakeRecord);  // once more: another process may have been faster
             return update && *update ? groupDefaults_->set(appPreferencesKey, std::move(**update))
                                      : DefaultsResult<void>{};
         });
@@ -183,7 +188,8 @@ DefaultsResult<PreferencesServiceImpl::Record> PreferencesServiceImpl::storedRec
         return std::unexpected(stored.error());
     }
     if (!*stored) {
-        return imported();
+        auto record = checkedImport();
+        return record ? DefaultsResult<Record>(std::move(*record)) : std::unexpected(record.error());
     }
     const Data& json = **stored;
     return decoder_.decode<AppPreferences>(platform::textOf(json), json.capacity() - json.size());
@@ -191,6 +197,10 @@ DefaultsResult<PreferencesServiceImpl::Record> PreferencesServiceImpl::storedRec
 
 AppPreferences PreferencesServiceImpl::imported() const {
     return AppPreferences::fromUserDefaults(*groupDefaults_, *locale_);
+}
+
+DefaultsResult<AppPreferences> PreferencesServiceImpl::checkedImport() const {
+    return AppPreferences::checkedFromUserDefaults(*groupDefaults_, *locale_);
 }
 
 DefaultsResult<void> PreferencesServiceImpl::store(const AppPreferences& preferences) {
@@ -207,9 +217,12 @@ void PreferencesServiceImpl::change(const Edit& edit, std::optional<DecodingErro
             return std::unexpected(std::move(record.error()));
         }
         fault = *record ? std::nullopt : std::optional(record->error());
-        AppPreferences preferences = *record ? std::move(**record) : imported();
-        edit(preferences);
-        return store(preferences);
+        auto preferences = *record ? DefaultsResult<AppPreferences>(std::move(**record)) : checkedImport();
+        if (!preferences) {
+            return std::unexpected(std::move(preferences.error()));
+        }
+        edit(*preferences);
+        return store(*preferences);
     });
     if (fault) {
         announceReset(*fault);

@@ -25,7 +25,8 @@ namespace nimbuscope {
 ///
 /// Errors go to the `ErrorTrackingService`, if there is one. A record that cannot be read is replaced, with a
 /// message on standard error, by what the older settings say (`AppPreferences::fromUserDefaults`). A store
-/// that cannot be read is left alone: reads return that same record, and changes are not made.
+/// that cannot be read is left alone: reads return that same record, and changes are not made. No record is
+/// made of older settings that could not all be read or copied.
 class NIMBUSCOPE_EXPORT PreferencesServiceImpl final : public PreferencesService {
   public:
     using PreferencesServiceError = nimbuscope::PreferencesServiceError;
@@ -62,13 +63,14 @@ class NIMBUSCOPE_EXPORT PreferencesServiceImpl final : public PreferencesService
     [[nodiscard]] platform::DefaultsResult<bool> isMigrated() const;
     [[nodiscard]] platform::DefaultsResult<void> copyOlderSettings(
         const platform::NSUserDefaults& standardDefaults);
-    [[nodiscard]] platform::Result<std::optional<platform::Data>, platform::NSError> outstandingUpdate()
-        const;
-    void bringUpToDate();
+    [[nodiscard]] platform::Result<std::optional<platform::Data>, platform::NSError> outstandingUpdate(
+        bool mayMakeRecord) const;
+    void bringUpToDate(bool mayMakeRecord);
 
     [[nodiscard]] platform::DefaultsResult<std::optional<platform::Data>> storedData() const;
     [[nodiscard]] platform::DefaultsResult<Record> storedRecord();
     [[nodiscard]] AppPreferences imported() const;
+    [[nodiscard]] platform::DefaultsResult<AppPreferences> checkedImport() const;
     [[nodiscard]] platform::DefaultsResult<void> store(const AppPreferences& preferences);
     void change(const Edit& edit, std::optional<platform::DecodingError> fault);
     void finishSaving(platform::DefaultsResult<void> saved);

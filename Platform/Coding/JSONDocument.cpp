@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <charconv>
+#include <new>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -37,7 +38,10 @@ DecodingError syntaxError(std::string_view text, simdjson::error_code code) {
     if (code == simdjson::DEPTH_ERROR) {
         return {{}, "nested deeper than " + std::to_string(simdjson::DEFAULT_MAX_DEPTH) + " levels"};
     }
-    if (code == simdjson::CAPACITY || code == simdjson::MEMALLOC) {
+    if (code == simdjson::MEMALLOC) {  // no fault of the text, which must not be thrown away for it
+        throw std::bad_alloc();
+    }
+    if (code == simdjson::CAPACITY) {
         return {{}, "a document of " + std::to_string(text.size()) + " bytes is too large"};
     }
     ErrorLocator locator;

@@ -24,7 +24,7 @@ class NIMBUSCOPE_EXPORT JSONDocument {
   public:
     /// Parses `text`, which is not needed afterwards. The error names the byte at which the text goes wrong.
     /// `slack` is how many bytes behind the text may be read as well; with `enough` of them the text need not
-    /// be copied first.
+    /// be copied first. Throws std::bad_alloc where memory is short.
     [[nodiscard]] Result<JSONElement, DecodingError> parse(std::string_view text, std::size_t slack = 0);
     static constexpr std::size_t enough = simdjson::SIMDJSON_PADDING;
 

@@ -1,8 +1,6 @@
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -11,7 +9,7 @@
 #include <utility>
 
 #include "Platform/Core/Fatal.hpp"
-#include "Platform/Core/UUID.hpp"
+#include "Platform/Linux/NewDefaultsStore_sqlite.hpp"
 #include "Platform/Linux/SQLite.hpp"
 #include "Platform/Linux/StoreDirectory.hpp"
 #include "Platform/Linux/StoredValue_sqlite.hpp"
@@ -20,36 +18,6 @@ namespace nimbuscope::platform {
 namespace {
 
 using Code = DefaultsError::Code;
-
-constexpr std::int64_t applicationId = 0x4E42'5344;  // "NBSD"
-constexpr std::int64_t formatVersion = 1;
-
-constexpr const char* schema =
-    "PRAGMA journal_mode = WAL;"
-    "BEGIN;"
-    "CREATE TABLE defaults (key TEXT PRIMARY KEY NOT NULL, type INTEGER NOT NULL, value NOT NULL);";
-
-Code codeOf(int sqliteCode) {
-    switch (sqliteCode) {
-        case SQLITE_BUSY:
-        case SQLITE_LOCKED:
-            return Code::busy;
-        case SQLITE_READONLY:
-        case SQLITE_PERM:
-            return Code::readOnly;
-        case SQLITE_FULL:
-            return Code::full;
-        case SQLITE_CORRUPT:
-        case SQLITE_NOTADB:
-            return Code::damaged;
-        case SQLITE_CANTOPEN:
-            return Code::cannotOpen;
-        case SQLITE_TOOBIG:
-            return Code::invalidValue;
-        default:
-            return Code::failed;
-    }
-}
 
 class SQLiteUserDefaults final : public NSUserDefaults {
   public:
@@ -73,19 +41,36 @@ class SQLiteUserDefaults final : public NSUserDefaults {
         SQLiteStatement selectAll;
         SQLiteStatement insert;
         SQLiteStatement remove;
+        bool isWhole = false;  ///< it has been looked through
     };
 
     [[nodiscard]] std::unexpected<DefaultsError> error(Code code, std::string reason) const {
         return std::unexpected(DefaultsError{code, path_, std::move(reason)});
     }
     [[nodiscard]] std::unexpected<DefaultsError> error(const SQLiteError& cause) const {
-        return error(codeOf(cause.code), cause.reason);
+        return std::unexpected(defaultsError(path_, cause));
     }
+
+    /// Ends what is not committed when the scope ends, also where the body of a transaction throws: closing
+    /// needs no memory, as the statement ROLLBACK would.
+    class CloseUnlessCommitted {
+      public:
+        explicit CloseUnlessCommitted(std::optional<Open>& open) : open_(open) {}
+        ~CloseUnlessCommitted() {
+            if (open_->connection.inTransaction()) {
+                open_.reset();
+            }
+        }
+        CloseUnlessCommitted(const CloseUnlessCommitted&) = delete;
+        CloseUnlessCommitted& operator=(const CloseUnlessCommitted&) = delete;
+
+      private:
+        std::optional<Open>& open_;
+    };
 
     [[nodiscard]] DefaultsResult<Open*> open() const;
     [[nodiscard]] DefaultsResult<Open*> openOrCreate();
-    [[nodiscard]] DefaultsResult<void> create() const;
-    [[nodiscard]] SQLiteResult<void> initialise(const std::string& path) const;
+    [[nodiscard]] DefaultsResult<Open*> openForWriting() const;
     [[nodiscard]] DefaultsResult<void> checkFormat(SQLiteConnection& connection) const;
     [[nodiscard]] DefaultsResult<DefaultsValue> value(const SQLiteStatement& row) const;
     [[nodiscard]] DefaultsResult<void> run(SQLiteStatement& statement) const;
@@ -176,7 +161,7 @@ DefaultsResult<void> SQLiteUserDefaults::set(std::string_view key, const Default
 
 DefaultsResult<void> SQLiteUserDefaults::removeObject(std::string_view key) {
     const std::lock_guard lock(mutex_);
-    const auto store = open();
+    const auto store = openForWriting();
     if (!store) {
         return std::unexpected(store.error());
     }
@@ -201,16 +186,13 @@ DefaultsResult<void> SQLiteUserDefaults::transaction(const Transaction& body) {
     if (!begun) {
         return error(begun.error());
     }
+    const CloseUnlessCommitted guard(open_);
     DefaultsResult<void> result = body();
     if (result) {
         const auto committed = connection.execute("COMMIT");
         if (!committed) {
             result = error(committed.error());
         }
-    }
-    if (connection.inTransaction()) {
-        // A rollback fails only where SQLite has rolled back by itself.
-        static_cast<void>(connection.execute("ROLLBACK"));
     }
     return result;
 }
@@ -263,59 +245,46 @@ DefaultsResult<void> SQLiteUserDefaults::checkFormat(SQLiteConnection& connectio
             return error(*cause);
         }
     }
-    if (*id != applicationId) {
+    if (*id != defaultsApplicationId) {
         return error(Code::damaged, "the file is not a key-value store");
     }
-    if (*version > formatVersion) {
+    if (*version > defaultsFormatVersion) {
         return error(Code::newerFormat, "store format " + std::to_string(*version) + " is newer than " +
-                                            std::to_string(formatVersion) + ", the newest known here");
+                                            std::to_string(defaultsFormatVersion) +
+                                            ", the newest known here");
     }
     return {};
 }
 
 DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::openOrCreate() {
-    const auto store = open();
+    const auto store = openForWriting();
     if (!store || *store != nullptr) {
         return store;
     }
-    const auto created = create();
+    const auto created = createDefaultsStore(path_, busyTimeout_);
     if (!created) {
         return std::unexpected(created.error());
     }
-    return open();
+    return openForWriting();
 }
 
-/// Makes the file beside its place and links it there complete: nobody ever sees a part of a store, and of
-/// two processes that create it at once, one wins.
-DefaultsResult<void> SQLiteUserDefaults::create() const {
-    const std::string draft = path_ + ".new-" + UUID::random().uuidString();
-    const int file = ::open(draft.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (file < 0) {
-        return error(errno == ENOSPC ? Code::full : Code::cannotOpen, std::generic_category().message(errno));
+/// As `open`, for a store that is whole: writing among damaged pages could cost what they still hold. Looked
+/// through once, all of it; a caller that only reads does not pay for that.
+DefaultsResult<SQLiteUserDefaults::Open*> SQLiteUserDefaults::openForWriting() const {
+    const auto store = open();
+    if (!store || *store == nullptr || (*store)->isWhole) {
+        return store;
     }
-    ::close(file);
-    const auto initialised = initialise(draft);
-    const int linkError = initialised && ::link(draft.c_str(), path_.c_str()) != 0 ? errno : 0;
-    ::unlink(draft.c_str());
-    if (!initialised) {
-        return error(initialised.error());
+    auto check = (*store)->connection.prepare("PRAGMA integrity_check(1)");
+    const auto row = check ? check->step() : std::unexpected(check.error());
+    if (!row) {
+        return error(row.error());
     }
-    if (linkError != 0 && linkError != EEXIST) {
-        return error(Code::cannotOpen, std::generic_category().message(linkError));
+    if (check->text(0) != "ok") {
+        return error(Code::damaged, "the file is damaged");
     }
-    return {};
-}
-
-SQLiteResult<void> SQLiteUserDefaults::initialise(const std::string& path) const {
-    auto connection = SQLiteConnection::open(path, busyTimeout_);
-    if (!connection) {
-        return std::unexpected(std::move(connection.error()));
-    }
-    return connection->execute(std::string(schema) +  //
-                               "PRAGMA application_id = " + std::to_string(applicationId) +
-                               ";"  //
-                               "PRAGMA user_version = " +
-                               std::to_string(formatVersion) + "; COMMIT;");
+    (*store)->isWhole = true;
+    return store;
 }
 
 DefaultsResult<DefaultsValue> SQLiteUserDefaults::value(const SQLiteStatement& row) const {

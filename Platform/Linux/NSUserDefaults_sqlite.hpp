@@ -14,7 +14,9 @@ namespace nimbuscope::platform {
 ///
 /// Files have mode 0600. A store that does not exist reads as empty and comes into being, whole, with the
 /// first write. A file that is no such store, is damaged or was written in a newer format is reported and
-/// left alone. A process killed at any moment leaves every write that returned, and none that did not begin.
+/// left alone; what can still be read of a damaged one is. Before the first write through an object the whole
+/// file is looked through. A process killed at any moment leaves every write that returned, and none that did
+/// not begin.
 class NIMBUSCOPE_EXPORT SQLiteUserDefaultsSuites final : public NSUserDefaultsSuites {
   public:
     /// How long a caller waits while other processes hold a lock, in milliseconds.

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <mutex>
+#include <new>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -29,8 +30,7 @@ constexpr const char* settings =
     "PRAGMA synchronous = OFF;";
 
 bool isDamage(const SQLiteError& error) {
-    // A file of the right version without the right tables gives the general error.
-    return error.code == SQLITE_CORRUPT || error.code == SQLITE_NOTADB || error.code == SQLITE_ERROR;
+    return error.code == SQLITE_CORRUPT || error.code == SQLITE_NOTADB;
 }
 
 class SQLiteURLCache final : public URLCache {
@@ -39,9 +39,13 @@ class SQLiteURLCache final : public URLCache {
         : directory_(std::move(directory)), capacity_(static_cast<std::int64_t>(capacity)) {}
 
     ~SQLiteURLCache() override {
-        if (!uses_.empty()) {
-            perform(
-                [this](Open& store) { return inTransaction(store, [] { return SQLiteResult<void>(); }); });
+        try {
+            if (!uses_.empty()) {
+                perform([this](Open& store) {
+                    return inTransaction(store, [] { return SQLiteResult<void>(); });
+                });
+            }
+        } catch (const std::bad_alloc&) {  // not worth the process
         }
     }
     SQLiteURLCache(const SQLiteURLCache&) = delete;
@@ -58,8 +62,28 @@ class SQLiteURLCache final : public URLCache {
         SQLiteStatement select, insert, remove, use, total, removeOldest;
     };
 
+    /// Closes the store when the scope ends, also where work throws, unless it was left in order.
+    class CloseUnlessDone {
+      public:
+        explicit CloseUnlessDone(std::optional<Open>& open) : open_(open) {}
+        ~CloseUnlessDone() {
+            if (!isDone) {
+                open_.reset();
+            }
+        }
+        CloseUnlessDone(const CloseUnlessDone&) = delete;
+        CloseUnlessDone& operator=(const CloseUnlessDone&) = delete;
+
+        bool isDone = false;
+
+      private:
+        std::optional<Open>& open_;
+    };
+
     template <class Work>
     void perform(Work work);
+    template <class Work>
+    [[nodiscard]] SQLiteResult<void> performOnce(Work& work);
     template <class Work>
     [[nodiscard]] SQLiteResult<void> inTransaction(Open& store, Work work);
     [[nodiscard]] SQLiteResult<void> open();
@@ -88,6 +112,17 @@ SQLiteResult<void> run(SQLiteStatement& statement) {
     return done ? SQLiteResult<void>() : std::unexpected(done.error());
 }
 
+template <class Work>
+SQLiteResult<void> SQLiteURLCache::performOnce(Work& work) {
+    CloseUnlessDone guard(open_);
+    auto done = open();
+    if (done) {
+        done = work(*open_);
+    }
+    guard.isDone = done.has_value();
+    return done;
+}
+
 /// Runs `work` on the open store; once more, on a new one, when it finds the old one damaged. Any other fault
 /// leaves the work undone.
 template <class Work>
@@ -97,15 +132,8 @@ void SQLiteURLCache::perform(Work work) {
     }
     const std::lock_guard lock(mutex_);
     for (int attempt = 0; attempt < 2; ++attempt) {
-        auto done = open();
-        if (done) {
-            done = work(*open_);
-        }
-        if (done) {
-            return;
-        }
-        open_.reset();
-        if (!isDamage(done.error())) {
+        auto done = performOnce(work);
+        if (done || !isDamage(done.error())) {
             return;
         }
         deleteFiles();
@@ -242,6 +270,10 @@ SQLiteResult<void> SQLiteURLCache::open() {
          }) {
         auto prepared = store.connection.prepare(sql);
         if (!prepared) {
+            // A file of the right version without the right tables gives the general error.
+            if (prepared.error().code == SQLITE_ERROR) {
+                prepared.error().code = SQLITE_NOTADB;
+            }
             return std::unexpected(std::move(prepared.error()));
         }
         *statement = std::move(*prepared);

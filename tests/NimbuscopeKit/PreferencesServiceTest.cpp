@@ -54,6 +54,15 @@ TEST_F(PreferencesServiceTest, theStandardStoreIsCopiedOnceOverWhateverIsThere) 
     }
 }
 
+TEST_F(PreferencesServiceTest, olderSettingsThatCouldNotBeReadCountAtTheNextStart) {
+    ASSERT_TRUE(standard.set("nbcOpacity", std::int64_t{55}));
+    FailingUserDefaults busy(std::make_shared<InMemoryUserDefaults>());
+    busy.readFault = platform::DefaultsError::Code::busy;
+    static_cast<void>(PreferencesServiceImpl(busy, store, reports, std::make_shared<FixedLocale>(true)));
+    EXPECT_EQ(std::exchange(reports->all, {}).size(), 1U);
+    EXPECT_EQ(start().preferences().radar.overlayOpacity, 55);
+}
+
 TEST_F(PreferencesServiceTest, makesOrMigratesTheRecordAtTheFirstStartAndWritesNothingAtTheSecond) {
     const std::pair<platform::DefaultsValue, std::string> cases[] = {
         {false, newInstallation},

@@ -91,6 +91,29 @@ TEST_F(SQLiteUserDefaults, whatIsNoWholeStoreOrNewerIsRefusedAndLeftAlone) {
     }
 }
 
+TEST_F(SQLiteUserDefaults, aStoreWithDamagedPagesIsNotWritten) {
+    for (int i = 0; i < 60; ++i) {
+        ASSERT_TRUE(open()->set("k" + std::to_string(i), std::string(100, 'x')));
+    }
+    const std::string cut = readFile(file).substr(0, readFile(file).size() - 200);
+    writeFile(file, cut);
+    EXPECT_TRUE(open()->object("k0"));
+    EXPECT_EQ(open()->set("k0", true).error().code, DefaultsError::Code::damaged);
+    EXPECT_EQ(open()->removeObject("k0").error().code, DefaultsError::Code::damaged);
+    EXPECT_EQ(readFile(file), cut);
+}
+
+TEST_F(SQLiteUserDefaults, aTransactionWhoseBodyThrowsLeavesNothing) {
+    const auto store = open();
+    const auto body = [&]() -> platform::DefaultsResult<void> {
+        EXPECT_TRUE(store->set("k", true));
+        throw std::bad_alloc();
+    };
+    EXPECT_THROW(static_cast<void>(store->transaction(body)), std::bad_alloc);
+    EXPECT_EQ(store->object("k").value(), std::nullopt);
+    EXPECT_TRUE(open(0)->set("k", false));
+}
+
 TEST_F(SQLiteUserDefaults, aValueThatIsNotOfItsTypeIsDamage) {
     ASSERT_TRUE(open()->set("k", std::int64_t{1}));
     for (const char* column :
