@@ -71,6 +71,8 @@ function(nimbuscope_library NAME)
     PRIVATE $<BUILD_INTERFACE:nimbuscope_options> ${ARG_PRIVATE_LINKS})
 endfunction()
 
+add_custom_target(libraries)
+
 # What nimbuscope_library does for a component, from its arguments. cmake/NimbuscopeInstall.cmake does the rest.
 function(nimbuscope_component NAME)
   string(TOLOWER nimbuscope-${ARG_COMPONENT} library)
@@ -87,6 +89,7 @@ function(nimbuscope_component NAME)
   if(BUILD_SHARED_LIBS)
     target_link_libraries(${NAME} PRIVATE $<BUILD_INTERFACE:nimbuscope_shared_options>)
   endif()
+  add_dependencies(libraries ${NAME})
   install(TARGETS ${NAME} EXPORT NimbuscopeTargets
     LIBRARY COMPONENT libraries NAMELINK_COMPONENT development
     ARCHIVE COMPONENT development)
