@@ -18,7 +18,7 @@ using namespace nimbuscope::drawing;
 
 namespace {
 
-constexpr int labelWidth = 620;
+constexpr int labelWidth = 880;
 constexpr int octaveWidth = 80;
 constexpr int octavesBelow = 6;  // the least share that a bar shows is 1/64
 constexpr int octavesAbove = 1;
@@ -41,7 +41,7 @@ std::optional<double> numberIn(std::string text) {
 
 /// The font is ASCII.
 std::string plain(std::string text) {
-    for (const auto& [sign, letters] : {std::pair{"×", "x"}, {"²", "^2"}, {"–", "-"}, {"µ", "u"}}) {
+    for (const auto& [sign, letters] : {std::pair{"×", "x"}, {"²", " sq"}, {"–", "-"}, {"µ", "u"}}) {
         for (std::size_t at = text.find(sign); at != std::string::npos; at = text.find(sign)) {
             text.replace(at, std::string_view(sign).size(), letters);
         }
