@@ -58,7 +58,7 @@ std::string valueOf(const OptionDescription& option) {
     return ':' + plain(option.valueName) + ':' + choices;
 }
 
-std::string specification(const OptionDescription& option) {
+std::string argumentOf(const OptionDescription& option) {
     std::vector<std::string> excluded = option.names;
     excluded.insert(excluded.end(), option.excludes.begin(), option.excludes.end());
     if (!option.isInherited) {
@@ -87,7 +87,7 @@ std::string function(const CommandDescription& command) {
     // What stands behind the name of a command is the command's.
     text += command.commands.empty() ? "    _arguments" : "    _arguments -C -A '-*'";
     for (const OptionDescription& option : command.allOptions()) {
-        text += specification(option);
+        text += argumentOf(option);
     }
     int position = 0;
     for (const OptionDescription& positional : command.positionals) {
