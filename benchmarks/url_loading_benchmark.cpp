@@ -1,5 +1,5 @@
-// Loading over a kept connection and many at once against libcurl used by hand, and an answer of the response
-// cache against the same answer from a server on the loopback interface. Times are per request.
+// Loading many at once against libcurl used by hand, and an answer of the response cache against the same
+// answer from a server on the loopback interface. Times are per request.
 
 #include <curl/curl.h>
 
@@ -19,7 +19,6 @@ using namespace nimbuscope::benchmarks;
 
 namespace {
 
-constexpr int inSequence = 50;
 constexpr int inParallel = 200;
 
 /// A request as an authorized one looks like.
@@ -50,12 +49,6 @@ void load(platform::URLSession& session, const platform::URLRequest& request, in
     done.get_future().wait();
 }
 
-void loadInSequence(platform::URLSession& session, const platform::URLRequest& request) {
-    for (int i = 0; i < inSequence; ++i) {
-        load(session, request, 1);
-    }
-}
-
 }  // namespace
 
 int main() {
@@ -74,14 +67,9 @@ int main() {
     const std::shared_ptr<platform::URLSession> session = platform::makeCurlURLSession(configuration);
     platform::CachingURLSession caching(session, std::make_shared<platform::SystemClock>());
     const auto request = requestFor(server.url());
-    BareHandle bare(server.url(), server.authorityFile());
     BareMulti bareMulti(inParallel, server.url(), server.authorityFile());
 
-    const bool isKept[] = {compare("requests in sequence",
-                                   {{"session", [&] { loadInSequence(*session, request); }, inSequence},
-                                    {"bare handle", [&] { bare.load(inSequence); }, inSequence}},
-                                   {{1, 1.3}}, 21),
-                           compare("200 requests in parallel",
+    const bool isKept[] = {compare("200 requests in parallel",
                                    {{"session", [&] { load(*session, request, inParallel); }, inParallel},
                                     {"bare multi", [&] { bareMulti.load(); }, inParallel}},
                                    {{1, 1.3}}, 15),

@@ -77,13 +77,19 @@ std::string joined(std::span<const std::string_view> texts, char separator) {
 }
 
 void appendCanonicalQuery(std::string& text, const URLComponents& components) {
-    auto items = components.queryItems();
-    std::ranges::stable_sort(items, std::less(), &platform::URLQueryItem::name);
-    for (const auto& item : items) {
-        text += &item == items.data() ? "" : "&";
-        text += item.name;
+    const auto items = components.queryItems();
+    std::vector<const platform::URLQueryItem*> sorted(items.size());
+    std::ranges::transform(items, sorted.begin(), [](const auto& item) { return &item; });
+    // By name, and those of one name as they came: without the buffer of a stable sort.
+    std::ranges::sort(sorted, [](const auto* left, const auto* right) {
+        const int order = left->name.compare(right->name);
+        return order != 0 ? order < 0 : left < right;
+    });
+    for (const auto* item : sorted) {
+        text += item == sorted.front() ? "" : "&";
+        text += item->name;
         text += '=';
-        text += item.value ? std::string_view(*item.value) : "";
+        text += item->value ? std::string_view(*item->value) : "";
     }
 }
 

@@ -199,7 +199,7 @@ void LoadingThread::startQueued(Server& server) {
 }
 
 void LoadingThread::start(Waiting waiting, Server& server) {
-    if (readyHandles_.empty()) {
+    if (ended_.size() >= keptHandles) {  // the worker has not slept for long
         clearEnded();
     }
     CurlEasy handle;

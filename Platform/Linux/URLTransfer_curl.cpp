@@ -38,6 +38,11 @@ std::string_view trimmed(std::string_view text) {
                                            : text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
 }
 
+/// True for what goes through libcurl as a POST, whatever its method's name.
+bool isPost(const URLRequest& request) {
+    return request.httpBody || request.httpMethod == "POST";
+}
+
 std::unexpected<URLError> refused(Code code, std::string reason) {
     return std::unexpected(URLError{code, {"nimbuscope.url", 2, std::move(reason)}});
 }
@@ -114,8 +119,8 @@ void URLTransfer::setUpRequest() {
     CURL* const curl = handle_.get();
     const URLRequest& request = prepared_.request;
     setOption(curl, CURLOPT_URL, prepared_.url.c_str());
-    const bool hasBody = request.httpBody.has_value();
-    if (hasBody || request.httpMethod == "POST") {
+    if (isPost(request)) {
+        const bool hasBody = request.httpBody.has_value();
         setOption(curl, CURLOPT_POST, 1L);
         setOption(curl, CURLOPT_POSTFIELDSIZE_LARGE,
                   static_cast<curl_off_t>(hasBody ? request.httpBody->size() : 0));
@@ -145,9 +150,11 @@ void URLTransfer::setUpHeaderLines() {
     if (!headers.contains("Accept-Encoding")) {
         append("Accept-Encoding", ": ", ContentDecoder::acceptedEncodings);
     }
-    for (const char* name : {"Content-Type", "Expect"}) {  // which libcurl adds to a POST unasked
-        if (!headers.contains(name)) {
-            append(name, ":", "");
+    if (isPost(prepared_.request)) {
+        for (const char* name : {"Content-Type", "Expect"}) {  // which libcurl adds unasked
+            if (!headers.contains(name)) {
+                append(name, ":", "");
+            }
         }
     }
     headerLines_.reserve(headers.fields().size() + 3);

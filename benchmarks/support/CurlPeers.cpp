@@ -33,6 +33,7 @@ BareHandle::BareHandle(const std::string& url, const std::string& authorityFile)
     curl_easy_setopt(handle_, CURLOPT_CAINFO, authorityFile.c_str());
     curl_easy_setopt(handle_, CURLOPT_HTTPHEADER, headers);
     curl_easy_setopt(handle_, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(handle_, CURLOPT_MAXAGE_CONN, 3L);  // the server closes them after 5 s
     curl_easy_setopt(handle_, CURLOPT_WRITEFUNCTION, append);
     curl_easy_setopt(handle_, CURLOPT_WRITEDATA, &body_);
 }
