@@ -66,6 +66,26 @@ std::shared_ptr<Networking> Networking::make(Services services, Authorization au
     return std::shared_ptr<Networking>(new Networking(services, std::move(authorization)));
 }
 
+/// Calls `work` with this, unless it is gone by then.
+template <class Work>
+void Networking::onQueue(Work work) {
+    services_.queue.async([self = weak_from_this(), work = std::move(work)]() mutable {
+        if (const auto networking = self.lock()) {
+            work(*networking);
+        }
+    });
+}
+
+/// Calls `ready` at once where there are credentials: most requests then need no wrapper around it.
+template <class Ready>
+void Networking::withCredentials(Ready ready) {
+    if (authorization_.exists()) {
+        ready({});
+    } else {
+        awaitCredentials(std::move(ready));
+    }
+}
+
 void Networking::request(std::string url, DataHandler callback) {
     onQueue([url = std::move(url), callback = std::move(callback)](Networking& networking) mutable {
         networking.load({.url = std::move(url), .timeoutInterval = timeout}, std::move(callback));
@@ -122,14 +142,6 @@ std::string Networking::apiBaseURL() const {
     return services_.hosts.getHttpsHost(HostIdentifier::api) + "/mobile/";
 }
 
-void Networking::onQueue(std::move_only_function<void(Networking&)> work) {
-    services_.queue.async([self = weak_from_this(), work = std::move(work)]() mutable {
-        if (const auto networking = self.lock()) {
-            work(*networking);
-        }
-    });
-}
-
 void Networking::load(URLRequest request, DataHandler callback) {
     services_.session.dataTask(std::move(request), [self = weak_from_this(), callback = std::move(callback)](
                                                        platform::URLSessionResult outcome) mutable {
@@ -142,10 +154,8 @@ void Networking::load(URLRequest request, DataHandler callback) {
     });
 }
 
-void Networking::withCredentials(RequestHandler<void> ready) {
-    if (authorization_.exists()) {
-        ready({});
-    } else if (authRequest_) {
+void Networking::awaitCredentials(RequestHandler<void> ready) {
+    if (authRequest_) {
         waitForExchange(exchange_, std::move(ready));
     } else {
         authRequest_ = true;
@@ -213,13 +223,13 @@ void Networking::finishExchange(RequestResult<Data> reply, RequestHandler<void> 
 
 void Networking::sendSigned(URLRequest request, DataHandler callback) {
     constexpr std::array<std::string_view, 1> signedHeaders{"host"};
-    const auto signature = signer_.sign(request, signedHeaders, authorization_.key, authorization_.secret,
-                                        services_.clock.now());
+    auto signature = signer_.sign(request, signedHeaders, authorization_.key, authorization_.secret,
+                                  services_.clock.now());
     if (!signature) {
         callback(std::unexpected(signature.error()));
         return;
     }
-    request.headers.add(signature->headers());
+    request.headers.add(std::move(*signature).headers());
     load(std::move(request),
          [this, key = authorization_.key, callback = std::move(callback)](RequestResult<Data> reply) mutable {
              // Several replies may refuse the same credentials, and newer ones may be there by then.

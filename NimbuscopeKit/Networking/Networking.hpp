@@ -144,11 +144,14 @@ class NIMBUSCOPE_EXPORT Networking final : public platform::NSObject,
     void authorizedData(std::string path, std::string method, const std::vector<Header>& headers,
                         std::optional<platform::Data> body, DataHandler callback);
     [[nodiscard]] std::string apiBaseURL() const;
-    void onQueue(std::move_only_function<void(Networking&)> work);
+    template <class Work>
+    void onQueue(Work work);
 
     // On the queue:
     void load(platform::URLRequest request, DataHandler callback);
-    void withCredentials(RequestHandler<void> ready);
+    template <class Ready>
+    void withCredentials(Ready ready);
+    void awaitCredentials(RequestHandler<void> ready);
     void waitForExchange(std::uint64_t number, RequestHandler<void> ready);
     void requestCredentials(RequestHandler<void> ready);
     void finishExchange(RequestResult<platform::Data> reply, RequestHandler<void> ready);

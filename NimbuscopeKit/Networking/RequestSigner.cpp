@@ -95,13 +95,13 @@ void appendCanonicalQuery(std::string& text, const URLComponents& components) {
 
 }  // namespace
 
-platform::HTTPHeaders RequestSignature::headers() const {
+platform::HTTPHeaders RequestSignature::headers() && {
     platform::HTTPHeaders fields;
-    fields.add("X-Nb-Algorithm", algorithm);
-    fields.add("X-Nb-Credential", credential);
-    fields.add("X-Nb-Date", date);
-    fields.add("X-Nb-SignedHeaders", signedHeaders);
-    fields.add("X-Nb-Signature", signature);
+    fields.add("X-Nb-Algorithm", std::move(algorithm));
+    fields.add("X-Nb-Credential", std::move(credential));
+    fields.add("X-Nb-Date", std::move(date));
+    fields.add("X-Nb-SignedHeaders", std::move(signedHeaders));
+    fields.add("X-Nb-Signature", std::move(signature));
     return fields;
 }
 

@@ -25,7 +25,7 @@ struct NIMBUSCOPE_EXPORT RequestSignature {
     std::string signature;      ///< 64 lower-case hexadecimal digits
 
     /// The five header fields of a request that carry it.
-    [[nodiscard]] platform::HTTPHeaders headers() const;
+    [[nodiscard]] platform::HTTPHeaders headers() &&;
 };
 
 /// What stands for a request in its signature: method, path, query, host and a word for the body, in lines.

@@ -20,7 +20,8 @@ HTTPHeaders headersOf(std::string_view lines) {
     while (!lines.empty()) {
         const std::string_view line = lines.substr(0, lines.find('\n'));
         const std::size_t colon = std::min(line.find(": "), line.size());
-        headers.add(line.substr(0, colon), line.substr(std::min(colon + 2, line.size())));
+        headers.add(std::string(line.substr(0, colon)),
+                    std::string(line.substr(std::min(colon + 2, line.size()))));
         lines.remove_prefix(std::min(line.size() + 1, lines.size()));
     }
     return headers;

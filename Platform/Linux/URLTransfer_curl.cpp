@@ -288,7 +288,7 @@ bool URLTransfer::takeHeader(std::string_view line) {
         return refuse(Code::badServerResponse, CURLE_WEIRD_SERVER_REPLY,
                       "the response has a malformed header line");
     }
-    response_.headers.add(name, trimmed(line.substr(colon + 1)));
+    response_.headers.add(std::string(name), std::string(trimmed(line.substr(colon + 1))));
     return true;
 }
 

@@ -157,7 +157,7 @@ HTTPHeaders varyingHeaders(const URLRequest& request, const HTTPURLResponse& res
     HTTPHeaders varying;
     const auto vary = response.headers.value("Vary");
     for (const std::string_view name : members(vary ? *vary : std::string_view())) {
-        varying.set(name, request.headers.value(name).value_or(std::string()));
+        varying.set(std::string(name), request.headers.value(name).value_or(std::string()));
     }
     return varying;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace nimbuscope::platform {
 namespace {
@@ -31,17 +32,17 @@ bool HTTPHeaders::contains(std::string_view name) const {
                                [&](const Field& field) { return equalsIgnoringCase(field.name, name); });
 }
 
-void HTTPHeaders::set(std::string_view name, std::string_view value) {
+void HTTPHeaders::set(std::string name, std::string value) {
     remove(name);
-    add(name, value);
+    add(std::move(name), std::move(value));
 }
 
-void HTTPHeaders::add(std::string_view name, std::string_view value) {
+void HTTPHeaders::add(std::string name, std::string value) {
     constexpr std::size_t usual = 8;
     if (fields_.empty()) {
         fields_.reserve(usual);
     }
-    fields_.push_back({std::string(name), std::string(value)});
+    fields_.push_back({std::move(name), std::move(value)});
 }
 
 void HTTPHeaders::add(HTTPHeaders more) {

@@ -30,10 +30,10 @@ class NIMBUSCOPE_EXPORT HTTPHeaders {
     [[nodiscard]] bool contains(std::string_view name) const;
 
     /// Puts one field in place of all of that name.
-    void set(std::string_view name, std::string_view value);
+    void set(std::string name, std::string value);
 
     /// Appends a field beside others of that name.
-    void add(std::string_view name, std::string_view value);
+    void add(std::string name, std::string value);
     void add(HTTPHeaders more);
 
     void remove(std::string_view name);

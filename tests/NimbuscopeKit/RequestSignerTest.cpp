@@ -58,9 +58,9 @@ TEST(RequestSigner, signsAsTheServerVerifies) {
         for (const std::string& target : targets) {
             for (const auto at : instants) {
                 platform::URLRequest request{.url = "https://localhost:8443" + target, .httpMethod = "POST"};
-                const auto headers = signer.sign(request, host, "a/b", secret, at)->headers();
+                const auto headers = signer.sign(request, host, "a/b", secret, at).value().headers();
                 request.httpBody = platform::dataOf("never signed");
-                EXPECT_EQ(signer.sign(request, host, "a/b", secret, at)->headers(), headers);
+                EXPECT_EQ(signer.sign(request, host, "a/b", secret, at).value().headers(), headers);
                 EXPECT_EQ(faultOfSignature({"POST", target, "localhost:8443",
                                             [&](const auto& name) { return headers.value(name).value(); }},
                                            {{"a/b", secret}}),

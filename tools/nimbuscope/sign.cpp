@@ -53,12 +53,12 @@ std::optional<RequestSigner::Instant> instantOf(std::string_view text) {
 
 CommandResult<void> sign(const SignOptions& options, std::string& output) {
     constexpr std::array<std::string_view, 1> signedHeaders{"host"};
-    const auto signature =
+    auto signature =
         RequestSigner().sign(options.request, signedHeaders, options.key, options.secret, options.at);
     if (!signature) {
         return std::unexpected(CommandError{"sign", signature.error().message()});
     }
-    const auto headers = signature->headers();
+    const auto headers = std::move(*signature).headers();
     platform::JSONWriter writer;
     writer.beginObject();
     for (const auto& [name, value] : headers.fields()) {
