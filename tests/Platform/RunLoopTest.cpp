@@ -16,10 +16,9 @@ void keepTheContract(platform::RunLoop& loop, const std::function<void()>& runUn
                      const std::function<void()>& stop) {
     std::string log;
     const auto note = [&](char letter) { return [&log, letter] { log += letter; }; };
-    loop.asyncAfter(20ms, note('d'));
-    loop.asyncAfter(40ms, stop);
+    loop.asyncAfter(24h, note('x'));
     loop.async([&] { (note('a')(), loop.async(note('c'))); });
-    loop.async(note('b'));
+    loop.async([&] { (note('b')(), loop.asyncAfter(1ms, [&] { (note('d')(), stop()); })); });
     EXPECT_EQ(log, "");
     runUntilStopped();
     EXPECT_EQ(log, "abcd");
