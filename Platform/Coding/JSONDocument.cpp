@@ -83,7 +83,7 @@ std::string withRepresentableNumbers(std::string_view text) {
             i += length;
             continue;
         }
-        if (inString && c == '\\' && i + 1 < text.size()) {
+        if (inString && c == '\\') {
             result += text.substr(i, 2);
             i += 2;
             continue;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <initializer_list>
 #include <limits>
 #include <memory>
 
@@ -19,6 +20,12 @@ using Buffer = std::unique_ptr<void, decltype(&std::free)>;
 
 std::unexpected<PNGError> fault(int code) {
     return std::unexpected(PNGError{spng_strerror(code)});
+}
+
+/// The first of the codes, each that of a step that does nothing after one that failed, that is a fault.
+int firstFault(std::initializer_list<int> codes) {
+    const auto* const fault = std::ranges::find_if(codes, [](int code) { return code != 0; });
+    return fault != codes.end() ? *fault : 0;
 }
 
 std::size_t channelsOf(std::uint8_t colorType) {
@@ -48,10 +55,11 @@ class Reader {
             return failure(SPNG_EMEM);
         }
         // Texts and other chunks that are kept are of no use here; one chunk's limit does for all of them.
-        int code = spng_set_chunk_limits(context_.get(), limits.chunkSize, limits.chunkSize);
-        code = code != 0 ? code : spng_set_png_stream(context_.get(), &Reader::readMore, this);
-        code = code != 0 ? code : spng_get_ihdr(context_.get(), &header_);
-        if (code != 0) {
+        if (const int code =
+                firstFault({spng_set_chunk_limits(context_.get(), limits.chunkSize, limits.chunkSize),
+                            spng_set_png_stream(context_.get(), &Reader::readMore, this),
+                            spng_get_ihdr(context_.get(), &header_)});
+            code != 0) {
             return failure(code);
         }
         if (header_.width > limits.width || header_.height > limits.height) {
@@ -141,18 +149,14 @@ Result<Data, PNGError> encodePNG(std::uint32_t width, std::uint32_t height,
     header.height = height;
     header.bit_depth = 8;
     header.color_type = SPNG_COLOR_TYPE_TRUECOLOR_ALPHA;
-    int code = spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
-    // Coloured radar tiles get half as large, in half the time, as with PNG's filters.
-    code = code != 0 ? code : spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_DISABLE_FILTERING);
-    code = code != 0 ? code : spng_set_ihdr(context.get(), &header);
-    code = code != 0 ? code
-                     : spng_encode_image(context.get(), pixels.data(), pixels.size(), SPNG_FMT_PNG,
-                                         SPNG_ENCODE_FINALIZE);
-    if (code != 0) {
-        return fault(code);
-    }
     std::size_t size = 0;
-    const Buffer file(spng_get_png_buffer(context.get(), &size, &code), &std::free);
+    // Without PNG's filters coloured radar tiles get half as large, in half the time.
+    int code = firstFault(
+        {spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1),
+         spng_set_option(context.get(), SPNG_FILTER_CHOICE, SPNG_DISABLE_FILTERING),
+         spng_set_ihdr(context.get(), &header),
+         spng_encode_image(context.get(), pixels.data(), pixels.size(), SPNG_FMT_PNG, SPNG_ENCODE_FINALIZE)});
+    const Buffer file(code == 0 ? spng_get_png_buffer(context.get(), &size, &code) : nullptr, &std::free);
     if (!file) {
         return fault(code);
     }

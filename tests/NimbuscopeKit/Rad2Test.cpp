@@ -126,6 +126,7 @@ TEST(Rad2, runsFillPixelsInOrderAndSizesAreChecked) {
         EXPECT_EQ(redOf(file), expected) << testing::PrintToString(file);
     }
     EXPECT_EQ(redOf(image(2, 3, {1, 2, 2, 2, 3, 1, 4, 1}), true), Decoded(Data{3, 4, 2, 2, 1, 1}));
+    EXPECT_EQ(redOf(image(0, 9, {}), true), Decoded(Data{}));
     EXPECT_EQ(redOf(fileOf({0x01, 0}, block(0x31, {5, 255, 0, 1, 0, 0}))), Decoded(Data(65536, 5)));
 }
 
@@ -142,13 +143,28 @@ TEST(Rad2, blocksAreFoundByType) {
                                      {.type = 0x30, .payload = {.pos = 40, .size = 2}}};
     EXPECT_EQ(Rad2File::parse(rad2.source())->blocks(), all);
 
+    // What follows the image is read by those alone who ask for it.
+    for (const auto& [behind, error] :
+         {std::pair(Data{0x50, 0}, "byte 22: the header of a data block passes the end of the file"),
+          {Data{0x51, 0, 0, 0, 2, 1}, "byte 22: a data block passes the end of the file"}}) {
+        const Data file = fileOf(entries, block(0x30, {6, 1}) + behind);
+        const auto parsed = Rad2File::parse(file);
+        EXPECT_EQ(redOf(file), Decoded(Data{6}));
+        EXPECT_EQ(parsed->blocks().error().message(), error);
+        EXPECT_EQ(parsed->payload(DataBlockType::arrows).error().message(), error);
+    }
+    const Data cut = fileOf(entries, {0x31, 0, 0, 0, 9, 6});
+    EXPECT_FALSE(Rad2File::parse(cut)->payload(DataBlockType::rad2));
+
     const Rad2 none(fileOf(entries, block(0x51, {1}) + block(0x31, {6, 1})));  // behind the last block
     EXPECT_TRUE(!none.valid() && none.transparent());
     EXPECT_EQ(none.bytes(DataBlockType::rad2), std::nullopt);
     EXPECT_EQ(none.bytes(table(), false), Data{});
+    EXPECT_FALSE(Rad2File::parse(none.source())->decode(table(), false, std::span<std::uint8_t>()));
     const Rad2 other(Data{'R', 'A', 'D', '1', 0, 1, 0});
     EXPECT_TRUE(!other.valid() && other.transparent() && other.source().empty());
     EXPECT_EQ(other.width(), 256);
+    EXPECT_EQ(other.bytes(DataBlockType::arrows), std::nullopt);
 }
 
 TEST(Rad2, truncationIsAnErrorAtEveryByte) {
@@ -238,7 +254,10 @@ TEST(Rad2, overlaysReplacePixels) {
     const auto image = Rad2::cgImage(2, 1, base, overlay);
     EXPECT_EQ(image, (platform::CGImage{2, 1, 8, 32, 8, 0x4001, {9, 9, 9, 1, 5, 6, 7, 8}}));
     EXPECT_EQ(Rad2::cgImage(1, 2, base, std::nullopt)->data, base);
-    EXPECT_EQ(Rad2::cgImage(1, -1, base, std::nullopt), std::nullopt);
+    constexpr std::int64_t tooLong = std::int64_t{1} << 31U;
+    for (const auto& [width, height] : {std::pair(1L, -1L), {-1, 1}, {tooLong, 0}, {0, tooLong}, {2, 2}}) {
+        EXPECT_EQ(Rad2::cgImage(width, height, base, std::nullopt), std::nullopt);
+    }
     EXPECT_EQ(Rad2::cgImage(2, 1, {}, overlay), std::nullopt);
     EXPECT_DEATH(std::ignore = Rad2::cgImage(1, 1, {1, 2, 3, 4}, overlay),
                  "Fatal error: an overlay of 8 bytes");

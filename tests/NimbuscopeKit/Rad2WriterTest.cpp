@@ -50,6 +50,7 @@ TEST(Rad2Writer, headersAndBlocksAreAsShortAsTheSizeAllows) {
         EXPECT_EQ(*file, expected);
     }
     EXPECT_FALSE(Rad2Writer::write({.width = 65536, .height = 1, .indices = Data(65536)}));
+    EXPECT_FALSE(Rad2Writer::write({.width = 1, .height = 65536, .indices = Data(65536)}));
     EXPECT_FALSE(Rad2Writer::write({.width = 2, .height = 2, .indices = Data(3)}));
     EXPECT_FALSE(Rad2Writer::write({.width = 1ULL << 32U, .height = 1ULL << 32U}));
 }

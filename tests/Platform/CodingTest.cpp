@@ -2,12 +2,14 @@
 
 #include <array>
 #include <limits>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "Platform/Coding/Base64.hpp"
 #include "Platform/Coding/JSONDecoder.hpp"
+#include "Platform/Coding/JSONDictionary.hpp"
 #include "Platform/Coding/JSONEncoder.hpp"
 
 namespace nimbuscope::platform {
@@ -40,6 +42,7 @@ struct Outer {
     std::vector<Inner> list;
     Level level{};
     Word word{};
+    std::map<std::string, Inner> named;
 
     static constexpr auto fields = std::tuple{key("name", &Outer::name),
                                               key("note", &Outer::note),
@@ -48,20 +51,27 @@ struct Outer {
                                               keyWithDefault("usual", &Outer::usual),
                                               key("list", &Outer::list),
                                               key("level", &Outer::level),
-                                              key("word", &Outer::word)};
+                                              key("word", &Outer::word),
+                                              keyWithDefault("named", &Outer::named)};
     bool operator==(const Outer&) const = default;
 };
 
 const std::string wholeText =
     R"({"name":"é\n","note":"n","flag":true,"count":-9223372036854775808,"usual":{"x":-0.0,"small":-128},)"
     R"("list":[{"x":1e+22,"small":127},{"x":0.1,"small":0},{"x":-179.99999999999997,"small":0},{"x":5e-324,"small":0},)"
-    R"({"x":1.7976931348623157e+308,"small":0}],"level":-3,"word":"Two"})";
+    R"({"x":1.7976931348623157e+308,"small":0}],"level":-3,"word":"Two",)"
+    R"("named":{"\t\u0001\\":{"x":1.5,"small":1},"b":{"x":2.5,"small":2}}})";
 
 TEST(Coding, aRecordSurvivesARoundTripToTheByte) {
     const Outer decoded = JSONDecoder().decode<Outer>(wholeText).value();
     EXPECT_EQ(decoded.count, std::numeric_limits<std::int64_t>::min());
     EXPECT_TRUE(std::signbit(decoded.usual.x));
     EXPECT_EQ(JSONEncoder().encode(decoded), wholeText);
+
+    Outer unsound = decoded;
+    unsound.list[1].x = std::numeric_limits<double>::infinity();
+    unsound.named["b"].x = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(JSONEncoder().encode(unsound).error().path, "list[1].x");
 }
 
 TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
@@ -71,7 +81,7 @@ TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
         R"("usual":null,"count":5.0,"flag":true,"note":null,"name":"a","name":"b","level":-3})";
     const Outer decoded = JSONDecoder().decode<Outer>(other).value();
     const double huge = 123456789012345678901.0;
-    const Outer expected{"b", {}, true, 5, {7, 8}, {{1e22, 127}, {huge, 0}}, Level::low, Word::two};
+    const Outer expected{"b", {}, true, 5, {7, 8}, {{1e22, 127}, {huge, 0}}, Level::low, Word::two, {}};
     EXPECT_EQ(decoded, expected);
     EXPECT_EQ(JSONEncoder().encode(decoded)->find("note"), std::string::npos);
     EXPECT_EQ(JSONDecoder().decode<Inner>(R"({"x":1e400,"small":1})").error().path, "x");
@@ -80,6 +90,16 @@ TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
 TEST(Coding, aTextReadsTheSameStraightAndThroughADocument) {
     std::vector<std::string> texts{wholeText + " \n", wholeText + "}", wholeText + "1",
                                    " [" + wholeText + "]"};
+    const std::pair<std::string, std::string> changes[] = {{R"("note":"n")", R"("note":null)"},
+                                                           {R"({"x":-0.0,"small":-128})", "null"},
+                                                           {"1e+22", "1E400"},
+                                                           {"1e+22", "1E-400"},
+                                                           {R"({"x":2.5,"small":2})", R"({"x":true})"},
+                                                           {"0.1", "1e-400"}};
+    for (const auto& [from, to] : changes) {
+        texts.push_back(wholeText);
+        texts.back().replace(wholeText.find(from), from.size(), to);
+    }
     for (std::size_t size = 0; size < wholeText.size(); ++size) {
         texts.push_back(wholeText.substr(0, size));
         for (const char other : {'"', 'n', '0', ',', '}', ']', ' ', '\\', '\x01', '\xFF'}) {
@@ -110,6 +130,10 @@ TEST(Coding, errorsNameThePathAndWhatWasFound) {
         {R"("note":"n")", R"("note":5)", "note: expected a text, found a number"},
         {least, R"("5")", "count: expected an integer, found a text"},
         {least, "9223372036854775808", "count: the number is out of range"},
+        {least, "-1e30", "count: the number is out of range"},
+        {R"("note":"n")", R"("note":18446744073709551615)", "note: expected a text, found a number"},
+        {R"("named":{)", R"("named":0,"other":{)", "named: expected an object, found a number"},
+        {R"("b":{"x":2.5)", R"("b":{"x":true)", "named.b.x: expected a number, found a boolean"},
         {least, "81.5", "count: expected an integer, found a fraction"},
         {R"("small":127)", R"("small":128)", "list[0].small: the number is out of range"},
         {R"("x":0.1)", R"("x":[])", "list[1].x: expected a number, found an array"},
@@ -162,7 +186,7 @@ std::string trickyList(std::size_t count, const std::string& separator) {
     for (std::size_t i = 0; i < count; ++i) {
         json += (i == 0 ? "" : separator) + R"({"number":)" + std::to_string(i) +
                 R"(,"text":"},{\"\\","nested":[)" +
-                R"({"number":1,"text":"]","nested":[]},{"number":2,"text":"[{","nested":[]}]})";
+                R"({"number":1,"text":"},]","nested":[]},{"number":2,"text":"[{","nested":[]}]})";
     }
     return json + "]\n";
 }
@@ -192,7 +216,13 @@ TEST(JSONArrayReader, aFaultAnywhereFailsWithItsPlaceInTheWholeText) {
     expectError(key + 24, '\xFF', "invalid UTF-8" + byte(key + 24));
     expectError(sound.size() - 2, ' ', "invalid JSON" + byte(sound.size() + 1));
     expectError(sound.size(), '1', "invalid JSON" + byte(sound.size()));
+    EXPECT_FALSE(JSONDecoder().decodeList<Entry>(dataOf("[{} {}]")));
     EXPECT_EQ(JSONDecoder().decodeList<std::int64_t>(dataOf("[0,1]")), (std::vector<std::int64_t>{0, 1}));
+    std::string zeros = "[0";
+    for (int i = 0; i < 60'000; ++i) {
+        zeros += ",0";
+    }
+    EXPECT_EQ(JSONDecoder().decodeList<std::int64_t>(dataOf(zeros + "]")), std::vector<std::int64_t>(60'001));
     EXPECT_EQ(JSONDecoder().decodeList<Entry>(dataOf("{}")).error().message(),
               "expected an array, found an object");
 }

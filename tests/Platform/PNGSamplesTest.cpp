@@ -106,6 +106,11 @@ TEST(PNGSamples, limitsHoldBeforeMemoryIsTaken) {
     for (const auto& [width, height] : {std::pair(most, most), {65535U, 65535U}, {0U, 4U}, {most + 1, 1U}}) {
         EXPECT_FALSE(decodePNGSamples(resized(file, width, height), {.pixels = ~std::uint64_t{0}}));
     }
+    // Of 16 bits a channel: more bytes than can be counted, in the file's form or in both.
+    const PNGFile deep{.depth = 16, .colorType = 6, .samples = Data(9)};
+    for (const std::uint32_t height : {1U << 30U, most}) {
+        EXPECT_FALSE(platform::decodePNG(resized(writePNGFile(deep), most, height), ~std::size_t{0}));
+    }
 }
 
 }  // namespace

@@ -27,8 +27,13 @@ TEST(PNG, pixelsComeBackAsTheyWere) {
 TEST(PNG, sizesMustFit) {
     const Data pixels(16);
     EXPECT_TRUE(encodePNG(2, 2, pixels));
-    for (const auto& [width, height] :
-         {std::pair(0U, 4U), {4U, 0U}, {2U, 1U}, {4U, 4U}, {0x80000000U, 2U}, {0x40000001U, 4U}}) {
+    for (const auto& [width, height] : {std::pair(0U, 4U),
+                                        {4U, 0U},
+                                        {2U, 1U},
+                                        {4U, 4U},
+                                        {0x80000000U, 2U},
+                                        {1U, 0x80000000U},
+                                        {0x40000001U, 4U}}) {
         EXPECT_FALSE(encodePNG(width, height, pixels)) << width;
     }
 }
