@@ -20,7 +20,7 @@ using namespace nimbuscope::benchmarks;
 
 namespace {
 
-constexpr int rounds = 41;
+constexpr int rounds = 121;
 constexpr int inSequence = 100;
 constexpr const char* path = "maps/?step=600&nowcast_interval=600&interval=7200";
 

@@ -12,10 +12,7 @@ int main() {
     const ApiForecast forecast = wholeForecast();
     platform::Data json = platform::dataOf(platform::JSONEncoder().encode(forecast).value());
     json.reserve(json.size() + platform::JSONDocument::enough);
-    const auto decode = [&] {
-        return platform::JSONDecoder().decode<ApiForecast>(platform::textOf(json),
-                                                           json.capacity() - json.size());
-    };
+    const auto decode = [&] { return platform::JSONDecoder().decode<ApiForecast>(json); };
     if (decode() != forecast || decodeForecastOnDemand(json) != forecast ||
         decodeForecastWithTree(platform::textOf(json)) != forecast) {
         std::puts("the contenders read different things");

@@ -2,7 +2,6 @@
 // can be read stays, a damaged cache serves no wrong answer and works again.
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <map>

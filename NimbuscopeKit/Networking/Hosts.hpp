@@ -33,8 +33,8 @@ class NIMBUSCOPE_EXPORT Hosts {
         std::shared_ptr<platform::NSUserDefaults> groupDefaults, std::shared_ptr<platform::SecRandom> random);
 
     /// "https://" and one of the purpose's hosts, drawn anew on each call, all with the same probability; the
-    /// built-in one where the list is empty. The lists come from the network:
-    /// what is no host name or address, with or without a port, is never drawn.
+    /// built-in one where none is left. The lists come from the network: what is no host name or address,
+    /// with or without a port, is never drawn.
     [[nodiscard]] std::string getHttpsHost(HostIdentifier identifier) const;
 
     /// Returns the purpose to its built-in host. When the store fails, nothing changes.

@@ -91,8 +91,8 @@ class NIMBUSCOPE_EXPORT Networking final : public platform::NSObject,
     /// Gives up the credentials, stored and at hand.
     void resetCredentials(RequestHandler<void> callback);
 
-    /// Repeats a request at an interval in seconds, give or take a tenth of it, and also at once where
-    /// `fireImmediately` is true. Main thread.
+    /// Repeats a request at an interval in seconds, from 0 to 10^9, give or take a tenth of it, and also at
+    /// once where `fireImmediately` is true. Main thread.
     void scheduledRequest(const std::string& url, double timeInterval, bool fireImmediately,
                           RepeatedHandler<platform::Data> callback);
 
@@ -128,9 +128,7 @@ class NIMBUSCOPE_EXPORT Networking final : public platform::NSObject,
         if (!reply) {
             return std::unexpected(std::move(reply.error()));
         }
-        const auto decodedAs = [&]<class Whole>() {
-            return decoder_.decode<Whole>(platform::textOf(*reply), reply->capacity() - reply->size());
-        };
+        const auto decodedAs = [&]<class Whole>() { return decoder_.decode<Whole>(*reply); };
         if constexpr (ApiEnvelope<T>) {
             auto whole = decodedAs.template operator()<T>();
             return whole ? RequestResult<T>(std::move(*whole)) : std::unexpected(std::move(whole.error()));

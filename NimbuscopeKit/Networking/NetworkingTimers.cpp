@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "NimbuscopeKit/Networking/Networking.hpp"
+#include "Platform/Core/Fatal.hpp"
 
 namespace nimbuscope {
 
@@ -38,6 +39,8 @@ void Networking::unscheduleAllRequests() {
 }
 
 Networking::Timer Networking::repeatingTimer(double timeInterval, std::function<void(Networking&)> request) {
+    platform::precondition(timeInterval >= 0 && timeInterval <= 1e9,
+                           "The interval of a timer is out of range");
     const auto interval =
         std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(timeInterval));
     return std::make_shared<platform::Timer>(

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <utility>
 #include <vector>
 
@@ -11,7 +10,7 @@
 namespace nimbuscope {
 namespace {
 
-using platform::Bytes;
+using platform::bytesOf;
 using platform::Result;
 using platform::SHA256Digest;
 using platform::URLComponents;
@@ -19,10 +18,6 @@ using platform::URLError;
 
 constexpr std::string_view algorithm = "NB-HMAC-SHA256";
 constexpr std::array<std::string_view, 3> scope{"eu-west-1", "mobile", "nb_request"};
-
-Bytes bytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
 
 /// Appends the last `width` decimal digits of `number`.
 void appendDigits(std::string& text, unsigned number, unsigned width) {

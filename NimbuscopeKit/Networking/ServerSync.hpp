@@ -20,7 +20,8 @@ class NIMBUSCOPE_EXPORT ServerSync {
 
     /// Sends the record and returns at once; false, with nothing sent, where the application does not tell
     /// its version and build. The outcome is printed on standard error and handed to `completion`, as
-    /// Networking calls back; a reply with a code other than 0 is an error. Main thread.
+    /// Networking calls back, or before this returns where a text is no UTF-8; a reply with a code other than
+    /// 0 is an error. Main thread.
     bool user(RequestHandler<ApiValidation> completion);
 
   private:

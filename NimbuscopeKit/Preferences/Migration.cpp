@@ -38,14 +38,9 @@ void enableStorms(Dictionary& record) {
     set(record, "layer", "isStormsEnabled", true);
 }
 
-// The kind of the advertisements in the forecast changed, which is no longer part of this record.
-void leaveAdvertisements(Dictionary& /*record*/) {}
-
 void disableAlerts(Dictionary& record) {
     set(record, "layer", "isAlertsEnabled", false);
 }
-
-void changeNothing(Dictionary& /*record*/) {}
 
 void openMapAndPlaySixHours(Dictionary& record) {
     set(record, "main", "isOpenMapOnLaunchEnabled", true);
@@ -83,9 +78,9 @@ constexpr std::array steps{
     Step{Version::v1, Migration::none()},
     Step{Version::v2, Migration::migrate(addLegend)},
     Step{Version::v3, Migration::migrate(enableStorms)},
-    Step{Version::v4, Migration::migrate(leaveAdvertisements)},
+    Step{Version::v4, Migration::none()},  // changed the advertisements, no longer part of this record
     Step{Version::v5, Migration::migrate(disableAlerts)},
-    Step{Version::v6, Migration::migrate(changeNothing)},
+    Step{Version::v6, Migration::none()},
     Step{Version::v7, Migration::migrate(openMapAndPlaySixHours)},
     Step{Version::v8, Migration::migrate(addOverlayType)},
     Step{Version::v9, Migration::migrate(disableRecentLayers)},
@@ -105,7 +100,7 @@ struct Stamp {
 
 Result<Version, MigrationError> versionOf(const platform::Data& stored) {
     platform::JSONDocument document;
-    const auto root = document.parse(platform::textOf(stored));
+    const auto root = document.parse(stored);
     if (!root) {
         return std::unexpected(MigrationError{{}, root.error()});
     }

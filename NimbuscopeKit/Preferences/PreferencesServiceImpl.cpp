@@ -191,8 +191,7 @@ DefaultsResult<PreferencesServiceImpl::Record> PreferencesServiceImpl::storedRec
         auto record = checkedImport();
         return record ? DefaultsResult<Record>(std::move(*record)) : std::unexpected(record.error());
     }
-    const Data& json = **stored;
-    return decoder_.decode<AppPreferences>(platform::textOf(json), json.capacity() - json.size());
+    return decoder_.decode<AppPreferences>(**stored);
 }
 
 AppPreferences PreferencesServiceImpl::imported() const {

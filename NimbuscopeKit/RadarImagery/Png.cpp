@@ -8,12 +8,11 @@
 namespace nimbuscope {
 namespace {
 
-using platform::CGImage;
 using platform::PNGError;
 using platform::Result;
 
 constexpr std::size_t entrySize = 4;
-constexpr std::size_t reachableEntries = 256;
+constexpr std::size_t indexedEntries = 256;  // by the 8 bits that are looked at
 
 /// Colours pixels that lie `step` bytes apart.
 void colorEach(std::span<const std::uint8_t> colors, std::span<const std::uint8_t> samples, std::size_t step,
@@ -41,7 +40,7 @@ Result<Png, PNGError> Png::make(std::span<const std::uint8_t> data, const platfo
 
 Result<void, PNGError> Png::bytes(std::span<const std::uint8_t> colors, bool inversed,
                                   std::span<std::uint8_t> out) const {
-    platform::precondition(colors.size() >= reachableEntries * entrySize,
+    platform::precondition(colors.size() >= indexedEntries * entrySize,
                            "A tile's colour table has at least 256 entries");
     if (!image_) {
         return std::unexpected(PNGError{"there is no image"});

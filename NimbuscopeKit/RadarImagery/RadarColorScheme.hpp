@@ -11,6 +11,8 @@ namespace nimbuscope {
 /// The colours of radar maps.
 class NIMBUSCOPE_EXPORT RadarColorScheme final : public ColorScheme {
   public:
+    static constexpr std::int64_t weakestDbz = -32;  ///< that a pixel can hold
+
     /// The scheme of a number of numbering 2, which for users' choices is the raw value of
     /// `ColorSchemePreference`; an unknown number gives the palette of raw values. `snow` keeps snow,
     /// freezing rain and ice pellets apart, otherwise they are drawn as rain; `enhanced` gives gradients,

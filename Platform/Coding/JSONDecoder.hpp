@@ -34,6 +34,12 @@ class JSONDecoder {
         return value;
     }
 
+    /// As above; the room that the bytes have to spare is the slack.
+    template <class T>
+    [[nodiscard]] Result<T, DecodingError> decode(const Data& json) {
+        return decode<T>(textOf(json), json.capacity() - json.size());
+    }
+
     /// Decodes the elements of an array one by one and hands each to `take(T&&)`, in order. For long lists:
     /// takes little memory beside the text. What stands before a fault has been handed out when the error
     /// comes back.

@@ -57,9 +57,31 @@ bool isNumberCharacter(char c) {
     return (c >= '0' && c <= '9') || c == '-' || c == '+' || c == '.' || c == 'e' || c == 'E';
 }
 
+/// True for a number as RFC 8259 has it.
+bool isNumber(std::string_view token) {
+    const auto take = [&token](std::string_view characters) {
+        const bool isThere = !token.empty() && characters.contains(token.front());
+        token.remove_prefix(isThere ? 1 : 0);
+        return isThere;
+    };
+    const auto takeDigits = [&token] {
+        const std::size_t count = std::min(token.find_first_not_of("0123456789"), token.size());
+        token.remove_prefix(count);
+        return count > 0;
+    };
+    take("-");
+    bool isSound = take("0") || takeDigits();
+    isSound = isSound && (!take(".") || takeDigits());
+    isSound = isSound && (!take("eE") || (take("+-"), takeDigits()));
+    return isSound && token.empty();
+}
+
 /// The number token as the fast parser takes it: integers of more digits than 64 bits hold become reals,
-/// magnitudes that no double has become a value that fits no field.
+/// magnitudes that no double has become a value that fits no field. What is no number stays as it is.
 std::string representableNumber(std::string_view token) {
+    if (!isNumber(token)) {
+        return std::string(token);
+    }
     double value = 0;
     const auto error = std::from_chars(token.data(), token.data() + token.size(), value).ec;
     if (error == std::errc::result_out_of_range) {

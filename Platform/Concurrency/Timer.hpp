@@ -26,8 +26,6 @@ class NIMBUSCOPE_EXPORT Timer {
     /// How much later than planned the block may be called, so that timers share wake-ups.
     [[nodiscard]] std::chrono::nanoseconds tolerance() const { return tolerance_; }
 
-    [[nodiscard]] bool repeats() const { return repeats_; }
-
     /// Calls the block now, on this thread. A timer that repeats keeps its plan; another one is done.
     void fire();
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -14,7 +15,12 @@ using Data = std::vector<std::uint8_t>;
     return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
-/// The bytes of `text`.
+/// The text seen as bytes; borrowed.
+[[nodiscard]] inline std::span<const std::uint8_t> bytesOf(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
+
+/// A copy of the bytes of `text`.
 [[nodiscard]] inline Data dataOf(std::string_view text) {
     return {text.begin(), text.end()};
 }

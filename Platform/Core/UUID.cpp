@@ -6,14 +6,18 @@
 namespace nimbuscope::platform {
 
 UUID UUID::random() {
-    UUID uuid;
+    std::array<std::uint8_t, 16> bytes;
     std::random_device entropy;
-    for (std::uint8_t& byte : uuid.bytes) {
+    for (std::uint8_t& byte : bytes) {
         byte = static_cast<std::uint8_t>(entropy() & 0xFFU);
     }
-    uuid.bytes[6] = static_cast<std::uint8_t>((uuid.bytes[6] & 0x0FU) | 0x40U);  // version 4
-    uuid.bytes[8] = static_cast<std::uint8_t>((uuid.bytes[8] & 0x3FU) | 0x80U);  // RFC 4122 variant
-    return uuid;
+    return version4(bytes);
+}
+
+UUID UUID::version4(std::array<std::uint8_t, 16> bytes) {
+    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0FU) | 0x40U);
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3FU) | 0x80U);  // RFC 4122 variant
+    return {bytes};
 }
 
 std::string UUID::uuidString() const {

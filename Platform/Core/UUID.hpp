@@ -15,6 +15,9 @@ struct NIMBUSCOPE_EXPORT UUID {
     /// A fresh random identifier (version 4), drawn from the system's entropy source. Safe from any thread.
     [[nodiscard]] static UUID random();
 
+    /// These bytes with the marks of version 4.
+    [[nodiscard]] static UUID version4(std::array<std::uint8_t, 16> bytes);
+
     /// The upper-case form in groups of 8-4-4-4-12 hexadecimal digits.
     [[nodiscard]] std::string uuidString() const;
 

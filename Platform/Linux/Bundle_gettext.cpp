@@ -5,6 +5,8 @@
 #include <clocale>
 #include <cstdlib>
 
+#include "Platform/Linux/Environment.hpp"
+
 namespace nimbuscope::platform {
 namespace {
 
@@ -29,13 +31,8 @@ void GettextBundle::useLanguageOfUser() {
     }
     // The locale is not installed. Catalogues are found all the same, by the name in LANGUAGE, once the
     // message locale is any other than "C".
-    for (const char* variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char* name = std::getenv(variable);
-        if (name != nullptr && *name != '\0') {
-            const std::string language(name);
-            setenv("LANGUAGE", language.substr(0, language.find('.')).c_str(), 0);
-            break;
-        }
+    if (const std::string language(localeName("LC_MESSAGES")); !language.empty()) {
+        setenv("LANGUAGE", language.substr(0, language.find('.')).c_str(), 0);
     }
     std::setlocale(LC_MESSAGES, "C.UTF-8");
 }

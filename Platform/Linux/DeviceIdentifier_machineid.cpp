@@ -36,12 +36,10 @@ std::optional<UUID> MachineDeviceIdentifier::identifierForVendor() const {
         return std::nullopt;
     }
     constexpr std::string_view vendor = "com.brisk-labs.Nimbuscope.identifierForVendor";
-    const SHA256Digest code = SHA256().hmac(*id, dataOf(vendor));
-    UUID uuid;
-    std::copy_n(code.begin(), uuid.bytes.size(), uuid.bytes.begin());
-    uuid.bytes[6] = static_cast<std::uint8_t>((uuid.bytes[6] & 0x0FU) | 0x40U);  // version 4
-    uuid.bytes[8] = static_cast<std::uint8_t>((uuid.bytes[8] & 0x3FU) | 0x80U);  // RFC 4122 variant
-    return uuid;
+    const SHA256Digest code = SHA256().hmac(*id, bytesOf(vendor));
+    std::array<std::uint8_t, 16> bytes;
+    std::copy_n(code.begin(), bytes.size(), bytes.begin());
+    return UUID::version4(bytes);
 }
 
 }  // namespace nimbuscope::platform

@@ -7,8 +7,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <memory>
+
+#include "Platform/Linux/Environment.hpp"
 
 namespace nimbuscope::platform {
 namespace {
@@ -17,16 +18,6 @@ std::string identifierOf(std::string_view posixName) {
     std::string identifier(posixName.substr(0, posixName.find_first_of(".@")));
     // To the Unicode data these names would be languages that they do not have.
     return identifier == "C" || identifier == "POSIX" ? std::string() : identifier;
-}
-
-std::string_view userChoice(const char* category) {
-    for (const char* variable : {"LC_ALL", category, "LANG"}) {
-        const char* name = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): the caller vouches for it
-        if (name != nullptr && *name != '\0') {
-            return name;
-        }
-    }
-    return "";
 }
 
 std::optional<std::string> utf8Of(const UChar* text, std::int32_t length) {
@@ -53,9 +44,9 @@ ICULocale::ICULocale(std::string_view posixName)
     : measures_(identifierOf(posixName)), reads_(measures_), tellsTime_(measures_) {}
 
 ICULocale ICULocale::ofUser() {
-    ICULocale locale(userChoice("LC_MEASUREMENT"));
-    locale.reads_ = identifierOf(userChoice("LC_MESSAGES"));
-    locale.tellsTime_ = identifierOf(userChoice("LC_TIME"));
+    ICULocale locale(localeName("LC_MEASUREMENT"));
+    locale.reads_ = identifierOf(localeName("LC_MESSAGES"));
+    locale.tellsTime_ = identifierOf(localeName("LC_TIME"));
     return locale;
 }
 

@@ -23,7 +23,8 @@ class LineReader {
 
     explicit LineReader(int input) : input_(input) {}
 
-    /// Reads up to the next line feed, or the end of input, which ends a last line as well.
+    /// Reads up to the next line feed, or the end of input, which ends a last line as well. Where reading
+    /// fails, what was read of a line is none.
     Outcome next() {
         line_.clear();
         bool isTooLong = false;
@@ -41,12 +42,14 @@ class LineReader {
                 return isTooLong ? Outcome::tooLong : Outcome::line;
             }
             if (!refill()) {
+                line_.resize(hasFailed_ ? 0 : line_.size());
                 return isTooLong ? Outcome::tooLong : line_.empty() ? Outcome::end : Outcome::line;
             }
         }
     }
 
     [[nodiscard]] std::string_view line() const { return line_; }
+    [[nodiscard]] bool hasFailed() const { return hasFailed_; }
 
   private:
     bool refill() {
@@ -54,6 +57,7 @@ class LineReader {
         do {
             count = ::read(input_, buffer_.data(), buffer_.size());
         } while (count < 0 && errno == EINTR);
+        hasFailed_ = count < 0;
         taken_ = 0;
         filled_ = count > 0 ? static_cast<std::size_t>(count) : 0;
         return filled_ > 0;
@@ -64,6 +68,7 @@ class LineReader {
     std::size_t filled_ = 0;
     std::size_t taken_ = 0;
     std::string line_;
+    bool hasFailed_ = false;
 };
 
 /// Writes whole replies from any thread, and counts the calls that still owe one.
@@ -151,7 +156,7 @@ int NSExtensionMain(INExtensionDefinition definition, int input, int output) {
         }
     }
     replies.waitForAll();
-    return replies.hasFailed() ? 1 : 0;
+    return lines.hasFailed() || replies.hasFailed() ? 1 : 0;
 }
 
 }  // namespace nimbuscope::platform

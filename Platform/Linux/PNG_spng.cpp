@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <limits>
 #include <memory>
+#include <new>
 
 #include "Platform/Graphics/PNG.hpp"
 
@@ -18,8 +19,20 @@ constexpr std::uint32_t maximalSide = std::numeric_limits<std::int32_t>::max(); 
 using Context = std::unique_ptr<spng_ctx, decltype(&spng_ctx_free)>;
 using Buffer = std::unique_ptr<void, decltype(&std::free)>;
 
-std::unexpected<PNGError> fault(int code) {
-    return std::unexpected(PNGError{spng_strerror(code)});
+Context contextWith(int flags) {
+    Context context(spng_ctx_new(flags), &spng_ctx_free);
+    if (!context) {
+        throw std::bad_alloc();
+    }
+    return context;
+}
+
+/// What the library says of a code; a lack of memory is no fault of the file.
+std::string reasonOf(int code) {
+    if (code == SPNG_EMEM) {
+        throw std::bad_alloc();
+    }
+    return code == SPNG_IO_EOF ? "the file ends too early" : spng_strerror(code);
 }
 
 /// The first of the codes, each that of a step that does nothing after one that failed, that is a fault.
@@ -51,9 +64,6 @@ class Reader {
     [[nodiscard]] const spng_ihdr& header() const { return header_; }
 
     [[nodiscard]] Result<void, PNGError> open(const PNGLimits& limits) {
-        if (!context_) {
-            return failure(SPNG_EMEM);
-        }
         // Texts and other chunks that are kept are of no use here; one chunk's limit does for all of them.
         if (const int code =
                 firstFault({spng_set_chunk_limits(context_.get(), limits.chunkSize, limits.chunkSize),
@@ -113,9 +123,7 @@ class Reader {
         return "an image of " + std::to_string(header_.width) + " x " + std::to_string(header_.height);
     }
 
-    [[nodiscard]] std::unexpected<PNGError> failure(int code) const {
-        return refusal(code == SPNG_IO_EOF ? "the file ends too early" : spng_strerror(code));
-    }
+    [[nodiscard]] std::unexpected<PNGError> failure(int code) const { return refusal(reasonOf(code)); }
 
     [[nodiscard]] std::unexpected<PNGError> refusal(std::string reason) const {
         return std::unexpected(PNGError{.reason = std::move(reason), .offset = position_});
@@ -123,7 +131,7 @@ class Reader {
 
     std::span<const std::uint8_t> file_;
     std::size_t position_ = 0;
-    Context context_{spng_ctx_new(0), &spng_ctx_free};
+    Context context_ = contextWith(0);
     spng_ihdr header_{};
 };
 
@@ -140,10 +148,7 @@ Result<Data, PNGError> encodePNG(std::uint32_t width, std::uint32_t height,
         return std::unexpected(PNGError{"expected " + std::to_string(count * channels) +
                                         " bytes of pixels, found " + std::to_string(pixels.size())});
     }
-    const Context context(spng_ctx_new(SPNG_CTX_ENCODER), &spng_ctx_free);
-    if (!context) {
-        return fault(SPNG_EMEM);
-    }
+    const Context context = contextWith(SPNG_CTX_ENCODER);
     spng_ihdr header{};
     header.width = width;
     header.height = height;
@@ -158,7 +163,7 @@ Result<Data, PNGError> encodePNG(std::uint32_t width, std::uint32_t height,
          spng_encode_image(context.get(), pixels.data(), pixels.size(), SPNG_FMT_PNG, SPNG_ENCODE_FINALIZE)});
     const Buffer file(code == 0 ? spng_get_png_buffer(context.get(), &size, &code) : nullptr, &std::free);
     if (!file) {
-        return fault(code);
+        return std::unexpected(PNGError{reasonOf(code)});
     }
     const auto* bytes = static_cast<const std::uint8_t*>(file.get());
     return Data(bytes, bytes + size);

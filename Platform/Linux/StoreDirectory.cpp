@@ -3,25 +3,20 @@
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdlib>
 #include <string_view>
 #include <system_error>
+
+#include "Platform/Linux/Environment.hpp"
 
 namespace nimbuscope::platform {
 namespace {
 
-std::string_view environment(const char* name) {
-    const char* value =
-        std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nothing here sets the environment
-    return value != nullptr ? value : "";
-}
-
 /// What belongs to this system below the place that `variable` names, or else below `fallback` at home.
 std::string placeOf(const char* variable, std::string_view fallback) {
-    if (const auto place = environment(variable); place.starts_with('/')) {
+    if (const auto place = environment(variable).value_or(""); place.starts_with('/')) {
         return std::string(place) + "/nimbuscope";
     }
-    if (const auto home = environment("HOME"); !home.empty()) {
+    if (const auto home = environment("HOME").value_or(""); !home.empty()) {
         return std::string(home) + std::string(fallback) + "/nimbuscope";
     }
     return {};
@@ -30,7 +25,7 @@ std::string placeOf(const char* variable, std::string_view fallback) {
 }  // namespace
 
 std::string defaultStoreDirectory() {
-    const auto store = environment("NIMBUSCOPE_STORE");
+    const auto store = environment("NIMBUSCOPE_STORE").value_or("");
     return store.empty() ? placeOf("XDG_DATA_HOME", "/.local/share") : std::string(store);
 }
 

@@ -27,10 +27,6 @@ HTTPHeaders headersOf(std::string_view lines) {
     return headers;
 }
 
-std::span<const std::uint8_t> bytesOf(std::string_view text) {
-    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
-}
-
 /// Tells whether bytes are those that were written: the database checks its structure, not its contents.
 class Checksum {
   public:

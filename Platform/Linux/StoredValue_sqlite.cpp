@@ -1,7 +1,10 @@
 #include "Platform/Linux/StoredValue_sqlite.hpp"
 
+#include <cmath>
 #include <span>
 #include <utility>
+
+#include "Platform/Coding/JSONDocument.hpp"
 
 namespace nimbuscope::platform {
 namespace {
@@ -48,18 +51,19 @@ std::optional<std::string> StoredValue::bind(SQLiteStatement& insert) const {
     if (const auto* bytes = value_.as<Data>()) {
         return bindAs(StoredType::data, std::span<const std::uint8_t>(*bytes));
     }
-    // What is left must be fit for JSON, as the scalars inside containers must.
+    // Texts and numbers must be fit for JSON, as those inside containers must.
+    const auto* const string = value_.as<std::string>();
+    if (string != nullptr && isValidUTF8(*string)) {
+        return bindAs(StoredType::string, std::string_view(*string));
+    }
+    if (const auto* real = value_.as<double>(); real != nullptr && std::isfinite(*real)) {
+        return bindAs(StoredType::real, *real);
+    }
     JSONWriter writer;
     writeJSON(writer, value_);
     auto text = writer.finish();
     if (!text) {
         return text.error().message();
-    }
-    if (const auto* real = value_.as<double>()) {
-        return bindAs(StoredType::real, *real);
-    }
-    if (const auto* string = value_.as<std::string>()) {
-        return bindAs(StoredType::string, std::string_view(*string));
     }
     json_ = std::move(*text);
     const bool isArray = value_.as<DefaultsArray>() != nullptr;

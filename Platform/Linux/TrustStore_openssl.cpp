@@ -4,8 +4,9 @@
 #include <openssl/x509v3.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
+
+#include "Platform/Linux/Environment.hpp"
 
 namespace nimbuscope::platform {
 namespace {
@@ -24,10 +25,6 @@ bool namesHost(const X509& certificate) {
     return false;
 }
 
-bool isInEnvironment(const char* name) {
-    return std::getenv(name) != nullptr;  // NOLINT(concurrency-mt-unsafe): nothing here sets the environment
-}
-
 /// True where authorities can be found one by one, by the hashes of their names.
 bool isHashedDirectory(const char* directory) {
     std::error_code error;
@@ -41,9 +38,8 @@ bool isHashedDirectory(const char* directory) {
 void addAuthoritiesOfSystem(X509_STORE& store) {
     X509_LOOKUP_add_dir(X509_STORE_add_lookup(&store, X509_LOOKUP_hash_dir()), nullptr,
                         X509_FILETYPE_DEFAULT);
-    if (isInEnvironment(X509_get_default_cert_file_env()) ||
-        !(isInEnvironment(X509_get_default_cert_dir_env()) ||
-          isHashedDirectory(X509_get_default_cert_dir()))) {
+    if (environment(X509_get_default_cert_file_env()) ||
+        !(environment(X509_get_default_cert_dir_env()) || isHashedDirectory(X509_get_default_cert_dir()))) {
         X509_LOOKUP_load_file(X509_STORE_add_lookup(&store, X509_LOOKUP_file()), nullptr,
                               X509_FILETYPE_DEFAULT);
     }

@@ -8,9 +8,10 @@
 
 namespace nimbuscope::platform {
 
-/// A session over libcurl, with one thread on which all requests run and handlers are called. HTTP/2 where
-/// the server offers it, one stream at a time on a connection, connections kept, TLS 1.2 at least. Requests
-/// beyond six to one host wait for a connection.
+/// A session over libcurl, with one thread on which all requests run and handlers are called, save those of
+/// requests that cannot be made: theirs are called at once. HTTP/2 where the server offers it, one stream at
+/// a time on a connection, connections kept, TLS 1.2 at least. Requests beyond six to one host wait for a
+/// connection.
 ///
 /// A certificate must name its host in a subjectAltName. A body without length and chunks must end with the
 /// close of TLS. A status 1xx that announces no other (all but 100, 102 and 103) is the response. The

@@ -32,13 +32,7 @@ bool isFieldValue(std::string_view text) {
         text, [](char character) { return character == '\r' || character == '\n' || character == '\0'; });
 }
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(" \t\r\n");
-    return begin == std::string_view::npos ? std::string_view()
-                                           : text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
-}
-
-/// True for what goes through libcurl as a POST, whatever its method's name.
+/// True for what goes through libcurl as a POST, whatever the name of its method.
 bool isPost(const URLRequest& request) {
     return request.httpBody || request.httpMethod == "POST";
 }
@@ -69,7 +63,7 @@ Result<URLTransfer::Prepared, URLError> URLTransfer::prepare(URLRequest request)
         }
     }
     components->fragment.reset();
-    std::string server = components->host + ':' + std::to_string(components->port.value_or(0));
+    std::string server = components->host + ':' + std::to_string(components->port.value_or(443));
     return Prepared{std::move(request), components->string(), std::move(server), false};
 }
 
@@ -130,7 +124,7 @@ void URLTransfer::setUpRequest() {
     }
     if (request.httpMethod == "HEAD") {
         setOption(curl, CURLOPT_NOBODY, 1L);
-    } else if (request.httpMethod != "GET" && request.httpMethod != "POST") {
+    } else if (request.httpMethod != (isPost(request) ? "POST" : "GET")) {
         setOption(curl, CURLOPT_CUSTOMREQUEST, request.httpMethod.c_str());
     }
 }
@@ -279,7 +273,7 @@ bool URLTransfer::takeHeader(std::string_view line) {
     if (isHeaderComplete_) {
         return true;  // a trailer
     }
-    if (trimmed(line).empty()) {
+    if (line.starts_with('\r') || line.starts_with('\n')) {  // by which libcurl knows the end
         return endHeaders();
     }
     const std::size_t colon = line.find(':');

@@ -6,7 +6,7 @@
 
 namespace nimbuscope::platform {
 
-/// The offset of civil time in some region.
+/// A region whose clocks agree.
 class NIMBUSCOPE_EXPORT TimeZone {
   public:
     virtual ~TimeZone() = default;

@@ -43,7 +43,14 @@ void CachingURLSession::dataTask(URLRequest request, URLSessionHandler handler) 
     const std::shared_ptr<URLCache> cache = configuration().urlCache;
     if (!cache || !isCacheable(request)) {
         if (cache && isUnsafe(request.httpMethod)) {
-            cache->removeCachedResponse(keyOf(request.url));
+            // What it changed is gone from the cache once the server says that it was done (RFC 9111, 4.4).
+            handler = [cache, key = keyOf(request.url),
+                       handler = std::move(handler)](URLSessionResult result) mutable {
+                if (result && result->response.statusCode < 400) {
+                    cache->removeCachedResponse(key);
+                }
+                handler(std::move(result));
+            };
         }
         loader_->dataTask(std::move(request), std::move(handler));
         return;

@@ -12,14 +12,6 @@ namespace {
 using std::chrono::seconds;
 using std::chrono::sys_seconds;
 
-constexpr std::string_view blanks = " \t";
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(blanks);
-    return begin == std::string_view::npos ? std::string_view()
-                                           : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
-
 /// The members of a comma-separated list; commas inside quotes separate nothing.
 std::vector<std::string_view> members(std::string_view list) {
     std::vector<std::string_view> found;
@@ -227,7 +219,7 @@ std::optional<sys_seconds> parseHTTPDate(std::string_view text) {
             month = named;
         }
     }
-    if (!month || !time || !day || !year) {
+    if (!month || !time || !day || *day < 1 || *day > 31 || !year || *year > 9999) {
         return std::nullopt;
     }
     const std::chrono::year_month_day date(std::chrono::year{*year},

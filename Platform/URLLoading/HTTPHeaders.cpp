@@ -17,6 +17,12 @@ bool equalsIgnoringCase(std::string_view left, std::string_view right) {
     return std::ranges::equal(left, right, {}, lowerCase, lowerCase);
 }
 
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t begin = std::min(text.find_first_not_of(blanks), text.size());
+    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
 std::optional<std::string> HTTPHeaders::value(std::string_view name) const {
     std::optional<std::string> joined;
     for (const Field& field : fields_) {

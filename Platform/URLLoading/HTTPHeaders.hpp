@@ -39,7 +39,6 @@ class NIMBUSCOPE_EXPORT HTTPHeaders {
     void remove(std::string_view name);
 
     [[nodiscard]] const std::vector<Field>& fields() const { return fields_; }
-    [[nodiscard]] bool isEmpty() const { return fields_.empty(); }
 
     bool operator==(const HTTPHeaders&) const = default;
 
@@ -49,5 +48,8 @@ class NIMBUSCOPE_EXPORT HTTPHeaders {
 
 /// True when two texts differ in nothing but the case of ASCII letters.
 [[nodiscard]] NIMBUSCOPE_EXPORT bool equalsIgnoringCase(std::string_view left, std::string_view right);
+
+/// The text without the blanks and line ends around it.
+[[nodiscard]] NIMBUSCOPE_EXPORT std::string_view trimmed(std::string_view text);
 
 }  // namespace nimbuscope::platform

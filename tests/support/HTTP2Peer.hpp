@@ -78,10 +78,13 @@ class HTTP2Peer {
 
     /// Zero until the server listens.
     [[nodiscard]] int listeningPort() const {
-        const std::string directory = "/proc/" + std::to_string(server_.identifier()) + "/fd";
+        const std::string process = "/proc/" + std::to_string(server_.identifier());
+        std::error_code hasGone;
+        if (std::filesystem::read_symlink(process + "/exe", hasGone).filename() != "nghttpd") {
+            return 0;  // still this program, with the sockets that it listens on
+        }
         std::vector<std::string> own;
-        for (const auto& entry : std::filesystem::directory_iterator(directory)) {
-            std::error_code hasGone;
+        for (const auto& entry : std::filesystem::directory_iterator(process + "/fd")) {
             own.push_back(std::filesystem::read_symlink(entry, hasGone).string());
         }
         for (const Socket& socket : tcpSockets()) {

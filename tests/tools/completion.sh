@@ -64,7 +64,7 @@ typed() { # KEY
 
 cat functions nimbuscope.bash >.bashrc
 (cd here && typed "$(printf '\033*')" | bash --rcfile ~/.bashrc -i >../bash.log 2>&1)
-mv out bash.out
+mv out bash.out || { cat bash.log; exit 1; }
 
 mkdir functions.zsh
 cp nimbuscope.zsh functions.zsh/_nimbuscope
@@ -77,7 +77,7 @@ zstyle ':completion:all::::' completer _all_matches _complete
 zstyle ':completion:all:*' insert true
 END
 (cd here && typed "$(printf '\024')" | script -qec 'zsh -i' /dev/null >../zsh.log 2>&1)
-mv out zsh.out
+mv out zsh.out || { cat zsh.log; exit 1; }
 
 # fish tells the words, each with its description.
 cat nimbuscope.fish - >config.fish <<'END'
@@ -89,7 +89,7 @@ while read line
 end
 END
 (cd here && sed 's/|.*//' ~/cases | fish --no-config ~/config.fish >../fish.log 2>&1)
-mv out fish.out
+mv out fish.out || { cat fish.log; exit 1; }
 
 sorted() { # FILE: the words of each line; whether a slash ends directories is left to the shells
     while read -r line; do

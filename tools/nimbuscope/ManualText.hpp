@@ -47,10 +47,6 @@ The stores are in
 below it, unless something else is said;
 .Pa ~/.local/share
 by default.
-.It Ev XDG_CACHE_HOME
-Where the response cache of the application's client is;
-.Pa ~/.cache
-by default.
 .It Ev LC_ALL , LC_MESSAGES , LC_MEASUREMENT , LC_TIME , LANG , LANGUAGE
 The language of texts, units of measurement, and the form of times.
 .It Ev TZ
@@ -71,8 +67,6 @@ finds the service of positions.
 The standard store.
 .It Pa $XDG_DATA_HOME/nimbuscope/SUITE.sqlite
 The store of a suite, such as the application group, which holds places, preferences, hosts and credentials.
-.It Pa $XDG_CACHE_HOME/nimbuscope/responses.sqlite
-The response cache.
 .El
 .Sh EXIT STATUS
 .Bl -tag -width Ds

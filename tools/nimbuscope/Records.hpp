@@ -17,8 +17,7 @@ template <class T>
     if (!bytes) {
         return std::unexpected(bytes.error());
     }
-    auto record =
-        platform::JSONDecoder().decode<T>(platform::textOf(*bytes), bytes->capacity() - bytes->size());
+    auto record = platform::JSONDecoder().decode<T>(*bytes);
     if (!record) {
         return std::unexpected(CommandError{file, record.error().message()});
     }

@@ -6,6 +6,9 @@
 
 namespace nimbuscope::tool {
 
+/// The numbering that users' choices are of.
+inline constexpr std::uint32_t numberingOfChoices = 2;
+
 /// A scheme number that has a palette of its own, and the English title.
 struct SchemeTitle {
     std::int64_t scheme;

@@ -24,7 +24,7 @@ UnitsPreference storedUnits(const NSUserDefaults& group, const ICULocale& locale
     const auto stored = group.object(PreferencesServiceImpl::appPreferencesKey);
     const auto* data = stored && *stored ? (*stored)->as<platform::Data>() : nullptr;
     const auto newest = data != nullptr ? migratedPreferences(*data) : platform::Data();
-    const auto record = newest ? platform::JSONDecoder().decode<AppPreferences>(platform::textOf(*newest))
+    const auto record = newest ? platform::JSONDecoder().decode<AppPreferences>(*newest)
                                : std::unexpected(platform::DecodingError());
     return (record ? *record : AppPreferences::fromUserDefaults(group, locale)).map.units;
 }

@@ -7,6 +7,7 @@
 #include "CommandLine.hpp"
 #include "Files.hpp"
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
+#include "Results.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -78,8 +79,7 @@ CommandResult<void> readAll(const platform::NSUserDefaults& store, bool isJSON, 
             writeJSON(writer, value);
         }
         writer.endObject();
-        output = writer.finish().value_or("") + '\n';
-        return {};
+        return printJSON("defaults read", writer, output);
     }
     for (const auto& [key, value] : *all) {
         const auto text = jsonText(value);

@@ -16,8 +16,6 @@
 namespace nimbuscope::tool {
 namespace {
 
-constexpr std::uint32_t numberingOfChoices = 2;
-constexpr std::int64_t noMinimalDbz = -32;
 constexpr const char* noun = "palette";
 
 std::unexpected<CommandError> refused(std::string why) {
@@ -227,7 +225,7 @@ struct RenderOptions {
     std::int64_t scheme = 0;
     bool isIndexed = false;
     bool isWithoutSnow = false;
-    std::int64_t minimalDbz = noMinimalDbz;
+    std::int64_t minimalDbz = RadarColorScheme::weakestDbz;
     std::string file;
 };
 
@@ -240,7 +238,9 @@ CommandResult<void> render(const RenderOptions& options, std::string& output) {
     std::string subtitle =
         fmt::format("Scheme {}, {}", options.scheme, options.isIndexed ? "bands of 5 dBZ" : "gradients");
     subtitle += options.isWithoutSnow ? ", every kind in rain colours" : "";
-    subtitle += options.minimalDbz > noMinimalDbz ? fmt::format(", from {} dBZ", options.minimalDbz) : "";
+    subtitle += options.minimalDbz > RadarColorScheme::weakestDbz
+                    ? fmt::format(", from {} dBZ", options.minimalDbz)
+                    : "";
     const auto chart = drawing::schemeChart(*scheme, titleOfScheme(options.scheme), subtitle);
     return writePNG(noun, drawing::drawChart(chart), options.file, output);
 }

@@ -11,7 +11,6 @@
 namespace nimbuscope::tool {
 namespace {
 
-constexpr std::int64_t noMinimalDbz = -32;
 constexpr const char* verbName = "palette legend";
 
 const std::map<std::string, ColorSchemeType> types{
@@ -70,7 +69,7 @@ void writeLayer(platform::JSONWriter& writer, const platform::CAGradientLayer& l
 }
 
 CommandResult<void> legend(const Options& options, std::string& output) {
-    const auto scheme = RadarColorScheme::make(options.scheme, true, true, noMinimalDbz);
+    const auto scheme = RadarColorScheme::make(options.scheme, true, true, RadarColorScheme::weakestDbz);
     if (!scheme) {
         return refused(scheme.error().reason);
     }

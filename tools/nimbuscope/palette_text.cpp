@@ -15,8 +15,6 @@
 namespace nimbuscope::tool {
 namespace {
 
-constexpr std::uint32_t numberingOfChoices = 2;
-
 // palette import
 
 struct ImportOptions {

@@ -206,6 +206,11 @@ void addEncode(CommandLine& commandLine, CLI::App& parent) {
     verb.add_flag("--explicit-size", options->isSizeExplicit,
                   "Write the width and the height even where a size class would do");
     verb.add_option("--arrows", options->arrows, "Payload of an arrows block")->type_name("FILE");
+    verb.parse_complete_callback([options] {
+        if (options->input == "-" && options->arrows == "-") {
+            throw CLI::ValidationError("-: standard input is taken for IN or for --arrows, not for both");
+        }
+    });
 }
 
 // tile arrows

@@ -25,7 +25,7 @@ struct Options {
     std::int64_t scheme = 4;
     bool isIndexed = false;
     bool isWithoutSnow = false;
-    std::int64_t minimalDbz = -32;
+    std::int64_t minimalDbz = RadarColorScheme::weakestDbz;
     bool isInversed = false;
     std::string overlay;
     std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());

@@ -25,7 +25,7 @@ struct Options {
 using Tiles = std::vector<std::pair<std::string, platform::Data>>;
 
 CommandResult<drawing::SheetColumn> columnOf(std::int64_t number, const Tiles& tiles) {
-    auto scheme = RadarColorScheme::make(number, true, true, -32);
+    auto scheme = RadarColorScheme::make(number, true, true, RadarColorScheme::weakestDbz);
     if (!scheme) {
         return std::unexpected(CommandError{verbName, scheme.error().reason});
     }

@@ -1,5 +1,6 @@
 #include "torture/support/FailingFiles.hpp"
 
+#include <fcntl.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -139,7 +140,7 @@ int __wrap_open(const char* path, int flags, ...) {
     }
     std::va_list rest;
     va_start(rest, flags);
-    const auto mode = va_arg(rest, mode_t);  // unused where the flags make no file
+    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return __real_open(path, flags, mode);
 }
