@@ -46,15 +46,15 @@ void JSONArrayReader::take(const Stretch& stretch) {
 }
 
 /// Tries to parse the text up to a likely end of an element as an array of its own. When that is valid, the
-/// end was one: what begins at an element and is a valid list of elements ends with one.
+/// end was one: what begins at an element and is a valid list of elements ends with one. What is valid and
+/// ends with a bracket is an array.
 Result<simdjson::dom::array, DecodingError> JSONArrayReader::next() {
     Stretch stretch = likelyStretch();
     for (int i = 0; i < mostTries && stretch.end != text_.npos; ++i) {
         const auto root = document_.parse(stretch.json, JSONDocument::enough);
-        simdjson::dom::array elements;
-        if (root && root->get(elements) == simdjson::SUCCESS) {
+        if (root) {
             take(stretch);
-            return elements;
+            return root->get_array().value();
         }
         stretch = stretchUpTo(commaBetweenObjects(text_, stretch.end));
     }
@@ -64,17 +64,17 @@ Result<simdjson::dom::array, DecodingError> JSONArrayReader::next() {
 /// All that is left, at once; also the way to say what is wrong with the text.
 Result<simdjson::dom::array, DecodingError> JSONArrayReader::rest() {
     isAtEnd_ = true;
-    simdjson::dom::array elements;
     if (taken_ > 0) {
         const auto root = document_.parse(stretchUpTo(text_.npos).json, JSONDocument::enough);
-        if (root && root->get(elements) == simdjson::SUCCESS) {
-            return elements;
+        if (root) {
+            return root->get_array().value();
         }
     }
     const auto root = document_.parse(text_, slack_);
     if (!root) {
         return std::unexpected(root.error());
     }
+    simdjson::dom::array elements;
     if (root->get(elements) != simdjson::SUCCESS) {
         return std::unexpected(std::move(*typeMismatch("an array", *root)));
     }

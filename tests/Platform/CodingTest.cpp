@@ -72,6 +72,7 @@ TEST(Coding, aRecordSurvivesARoundTripToTheByte) {
     unsound.list[1].x = std::numeric_limits<double>::infinity();
     unsound.named["b"].x = std::numeric_limits<double>::quiet_NaN();
     EXPECT_EQ(JSONEncoder().encode(unsound).error().path, "list[1].x");
+    EXPECT_EQ(rawValue(static_cast<Word>(7)), "");
 }
 
 TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
@@ -90,12 +91,14 @@ TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
 TEST(Coding, aTextReadsTheSameStraightAndThroughADocument) {
     std::vector<std::string> texts{wholeText + " \n", wholeText + "}", wholeText + "1",
                                    " [" + wholeText + "]"};
-    const std::pair<std::string, std::string> changes[] = {{R"("note":"n")", R"("note":null)"},
-                                                           {R"({"x":-0.0,"small":-128})", "null"},
-                                                           {"1e+22", "1E400"},
-                                                           {"1e+22", "1E-400"},
-                                                           {R"({"x":2.5,"small":2})", R"({"x":true})"},
-                                                           {"0.1", "1e-400"}};
+    const std::pair<std::string, std::string> changes[] = {
+        {R"("note":"n")", R"("note":null)"},
+        {R"({"x":-0.0,"small":-128})", "null"},
+        {"1e+22", "1E400"},
+        {"1e+22", "1E-400"},
+        {R"({"x":2.5,"small":2})", R"({"x":true})"},
+        {"0.1", "1e-400"},
+        {R"(1e+22,"small":127},{"x":0.1)", R"(1E-400,"small":127},{"x":1E400)"}};
     for (const auto& [from, to] : changes) {
         texts.push_back(wholeText);
         texts.back().replace(wholeText.find(from), from.size(), to);
@@ -219,7 +222,12 @@ TEST(JSONArrayReader, aFaultAnywhereFailsWithItsPlaceInTheWholeText) {
     expectError(key + 24, '\xFF', "invalid UTF-8" + byte(key + 24));
     expectError(sound.size() - 2, ' ', "invalid JSON" + byte(sound.size() + 1));
     expectError(sound.size(), '1', "invalid JSON" + byte(sound.size()));
-    EXPECT_FALSE(JSONDecoder().decodeList<Entry>(dataOf("[{} {}]")));
+    for (const std::string& unsound :
+         {std::string("[1 2]"), std::string("[1] 2"), std::string(200'000, ' ') + ',',
+          R"([{"text":")" + std::string(200'000, 'x') + "\"}, "}) {
+        EXPECT_FALSE(JSONDecoder().decodeList<std::int64_t>(dataOf(unsound)));
+        EXPECT_FALSE(JSONDecoder().decodeList<Entry>(dataOf(unsound)));
+    }
     EXPECT_EQ(JSONDecoder().decodeList<std::int64_t>(dataOf("[0,1]")), (std::vector<std::int64_t>{0, 1}));
     std::string zeros = "[0";
     for (int i = 0; i < 60'000; ++i) {
