@@ -27,6 +27,7 @@ class NIMBUSCOPE_EXPORT JSONDocument {
     /// `slack` is how many bytes behind the text may be read as well; with `enough` of them the text need not
     /// be copied first. Throws std::bad_alloc where memory is short.
     [[nodiscard]] Result<JSONElement, DecodingError> parse(std::string_view text, std::size_t slack = 0);
+
     /// As above; the room that the bytes have to spare is the slack.
     [[nodiscard]] Result<JSONElement, DecodingError> parse(const Data& json) {
         return parse(textOf(json), json.capacity() - json.size());

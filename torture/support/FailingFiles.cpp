@@ -140,7 +140,8 @@ int __wrap_open(const char* path, int flags, ...) {
     }
     std::va_list rest;
     va_start(rest, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(rest, mode_t) : 0;
+    const bool makesFile = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+    const mode_t mode = makesFile ? va_arg(rest, mode_t) : 0;
     va_end(rest);
     return __real_open(path, flags, mode);
 }
