@@ -8,6 +8,7 @@
 #include "NimbuscopeKit/Forecast/ApiForecastNearest.hpp"
 #include "NimbuscopeKit/Forecast/ApiForecastNowcast.hpp"
 #include "NimbuscopeKit/Forecast/ApiForecastSeries.hpp"
+#include "NimbuscopeKit/RadarCatalogue/ApiResponse.hpp"
 #include "NimbuscopeKit/RadarCatalogue/Coordinate.hpp"
 
 /// The answer of the forecast endpoint. One bad element of any of its lists spoils the whole answer. Units
@@ -97,15 +98,6 @@ struct ApiForecastData {
 };
 
 /// The reply as a whole.
-struct ApiForecast {
-    std::int64_t code = 0;  ///< 0 for success
-    std::string message;
-    ApiForecastData data;
-
-    static constexpr auto fields =
-        std::tuple{platform::key("code", &ApiForecast::code), platform::key("message", &ApiForecast::message),
-                   platform::key("data", &ApiForecast::data)};
-    bool operator==(const ApiForecast&) const = default;
-};
+using ApiForecast = ApiResponse<ApiForecastData>;
 
 }  // namespace nimbuscope

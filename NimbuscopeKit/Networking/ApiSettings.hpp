@@ -6,7 +6,7 @@
 #include <tuple>
 #include <vector>
 
-#include "NimbuscopeKit/Networking/ApiResponse.hpp"
+#include "NimbuscopeKit/RadarCatalogue/ApiResponse.hpp"
 #include "Platform/Coding/Fields.hpp"
 #include "Platform/Coding/JSONDictionary.hpp"
 

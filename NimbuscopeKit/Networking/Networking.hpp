@@ -11,13 +11,13 @@
 #include <utility>
 #include <vector>
 
-#include "NimbuscopeKit/Networking/ApiResponse.hpp"
 #include "NimbuscopeKit/Networking/Authorization.hpp"
 #include "NimbuscopeKit/Networking/Hosts.hpp"
 #include "NimbuscopeKit/Networking/RequestError.hpp"
 #include "NimbuscopeKit/Networking/RequestSigner.hpp"
 #include "NimbuscopeKit/Networking/UserService.hpp"
 #include "NimbuscopeKit/Preferences/ErrorTrackingService.hpp"
+#include "NimbuscopeKit/RadarCatalogue/ApiResponse.hpp"
 #include "Platform/Coding/Enumeration.hpp"
 #include "Platform/Coding/JSONDecoder.hpp"
 #include "Platform/Concurrency/Clock.hpp"

@@ -7,6 +7,7 @@
 #include <tuple>
 #include <vector>
 
+#include "NimbuscopeKit/RadarCatalogue/ApiResponse.hpp"
 #include "Platform/Coding/Fields.hpp"
 #include "Platform/Coding/JSONDictionary.hpp"
 
@@ -33,16 +34,7 @@ struct MapTimes {
     bool operator==(const MapTimes&) const = default;
 };
 
-/// The whole reply to the request for the timeline.
-struct ApiMaps {
-    std::int64_t code = 0;                                ///< of the envelope; 0 is success
-    std::string message;                                  ///< of the envelope
-    std::optional<std::map<std::string, MapTimes>> data;  ///< by layer
-
-    static constexpr auto fields =
-        std::tuple{platform::key("code", &ApiMaps::code), platform::key("message", &ApiMaps::message),
-                   platform::key("data", &ApiMaps::data)};
-    bool operator==(const ApiMaps&) const = default;
-};
+/// The whole reply to the request for the timeline, by layer.
+using ApiMaps = ApiResponse<std::optional<std::map<std::string, MapTimes>>>;
 
 }  // namespace nimbuscope

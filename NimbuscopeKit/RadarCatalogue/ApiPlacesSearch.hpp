@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "NimbuscopeKit/RadarCatalogue/ApiResponse.hpp"
 #include "NimbuscopeKit/RadarCatalogue/Coordinate.hpp"
 
 namespace nimbuscope {
@@ -30,16 +30,7 @@ struct ApiPlacesSearchItem {
     }
 };
 
-/// The reply of the search for places, as a whole.
-struct ApiPlacesSearch {
-    std::int64_t code = 0;  ///< 0 for success
-    std::string message;
-    std::vector<ApiPlacesSearchItem> data;  ///< in the order of the server
-
-    static constexpr auto fields = std::tuple{platform::key("code", &ApiPlacesSearch::code),
-                                              platform::key("message", &ApiPlacesSearch::message),
-                                              platform::key("data", &ApiPlacesSearch::data)};
-    bool operator==(const ApiPlacesSearch&) const = default;
-};
+/// The reply of the search for places, as a whole, in the order of the server.
+using ApiPlacesSearch = ApiResponse<std::vector<ApiPlacesSearchItem>>;
 
 }  // namespace nimbuscope
