@@ -94,7 +94,8 @@ void countRecords() {
         return decoder.decode<ApiForecast>(platform::textOf(json), platform::JSONDocument::enough);
     });
     countDecoding("preferences", dataOf(AppPreferences()), [](JSONDecoder& decoder, const auto& json) {
-        return decoder.decode<AppPreferences>(platform::textOf(migratedPreferences(json).value()));
+        const auto migrated = migratedPreferences(json).value();
+        return decoder.decode<AppPreferences>(migrated ? *migrated : json);
     });
 }
 

@@ -124,7 +124,7 @@ std::map<std::string, DefaultsValue> readableIn(const std::string& directory) {
 std::optional<AppPreferences> record(const DefaultsValue& stored) {
     const auto* data = stored.as<Data>();
     const auto migrated = data != nullptr ? migratedPreferences(*data) : std::unexpected(MigrationError{});
-    auto decoded = migrated ? platform::JSONDecoder().decode<AppPreferences>(platform::textOf(*migrated))
+    auto decoded = migrated ? platform::JSONDecoder().decode<AppPreferences>(*migrated ? **migrated : *data)
                             : std::unexpected(platform::DecodingError{});
     return decoded ? std::optional(std::move(*decoded)) : std::nullopt;
 }

@@ -123,13 +123,13 @@ Migration AppPreferences::migrate(Version to) {
     return found->migration;
 }
 
-Result<platform::Data, MigrationError> migratedPreferences(const platform::Data& stored) {
+Result<std::optional<platform::Data>, MigrationError> migratedPreferences(const platform::Data& stored) {
     const auto version = versionOf(stored);
     if (!version) {
         return std::unexpected(version.error());
     }
     if (*version == newestVersion<AppPreferences>) {
-        return stored;
+        return std::nullopt;
     }
     // The text is known to be JSON: what this parser still refuses is a number beyond the range of doubles.
     Dictionary dictionary = Dictionary::parse(stored, nullptr, false);

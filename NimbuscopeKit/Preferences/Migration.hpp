@@ -60,10 +60,9 @@ struct MigrationError {
     platform::DecodingError cause;  ///< where and why
 };
 
-/// The stored record in the newest version. A record of that version comes back byte for byte, whatever else
-/// it holds. In others, what no step touches stays as it is: keys keep their order, integers of 64 bits and
-/// reals their value and kind.
-[[nodiscard]] NIMBUSCOPE_EXPORT platform::Result<platform::Data, MigrationError> migratedPreferences(
-    const platform::Data& stored);
+/// The stored record in the newest version; none where it is of that version, whatever else it holds. What no
+/// step touches stays as it is: keys keep their order, integers of 64 bits and reals their value and kind.
+[[nodiscard]] NIMBUSCOPE_EXPORT platform::Result<std::optional<platform::Data>, MigrationError>
+migratedPreferences(const platform::Data& stored);
 
 }  // namespace nimbuscope

@@ -151,7 +151,7 @@ Result<std::optional<Data>, NSError> PreferencesServiceImpl::outstandingUpdate(b
     if (!migrated) {
         return std::unexpected(errorFrom(migrated.error()));
     }
-    return *migrated == **stored ? std::nullopt : std::optional(std::move(*migrated));
+    return std::move(*migrated);
 }
 
 void PreferencesServiceImpl::bringUpToDate(bool mayMakeRecord) {

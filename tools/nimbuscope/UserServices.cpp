@@ -23,9 +23,10 @@ platform::DefaultsDictionary infoDictionary() {
 UnitsPreference storedUnits(const NSUserDefaults& group, const ICULocale& locale) {
     const auto stored = group.object(PreferencesServiceImpl::appPreferencesKey);
     const auto* data = stored && *stored ? (*stored)->as<platform::Data>() : nullptr;
-    const auto newest = data != nullptr ? migratedPreferences(*data) : platform::Data();
-    const auto record = newest ? platform::JSONDecoder().decode<AppPreferences>(*newest)
-                               : std::unexpected(platform::DecodingError());
+    const auto migrated = data != nullptr ? migratedPreferences(*data) : std::unexpected(MigrationError());
+    const auto record = migrated
+                            ? platform::JSONDecoder().decode<AppPreferences>(*migrated ? **migrated : *data)
+                            : std::unexpected(platform::DecodingError());
     return (record ? *record : AppPreferences::fromUserDefaults(group, locale)).map.units;
 }
 

@@ -89,7 +89,7 @@ CommandResult<void> migrate(const MigrateOptions& options, std::string& output) 
     if (!migrated) {
         return std::unexpected(CommandError{options.input, migrated.error().cause.message()});
     }
-    return writeResult(options.output, platform::textOf(*migrated), output);
+    return writeResult(options.output, platform::textOf(*migrated ? **migrated : *stored), output);
 }
 
 void addMigrate(CommandLine& commandLine, CLI::App& noun) {
