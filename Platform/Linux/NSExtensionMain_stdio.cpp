@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <condition_variable>
 #include <csignal>
+#include <cstdio>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 #include "Platform/Intents/JSONRPC.hpp"
@@ -42,14 +44,14 @@ class LineReader {
                 return isTooLong ? Outcome::tooLong : Outcome::line;
             }
             if (!refill()) {
-                line_.resize(hasFailed_ ? 0 : line_.size());
+                line_.resize(error_ != 0 ? 0 : line_.size());
                 return isTooLong ? Outcome::tooLong : line_.empty() ? Outcome::end : Outcome::line;
             }
         }
     }
 
     [[nodiscard]] std::string_view line() const { return line_; }
-    [[nodiscard]] bool hasFailed() const { return hasFailed_; }
+    [[nodiscard]] int error() const { return error_; }  ///< why reading failed; 0 where it did not
 
   private:
     bool refill() {
@@ -57,7 +59,7 @@ class LineReader {
         do {
             count = ::read(input_, buffer_.data(), buffer_.size());
         } while (count < 0 && errno == EINTR);
-        hasFailed_ = count < 0;
+        error_ = count < 0 ? errno : 0;
         taken_ = 0;
         filled_ = count > 0 ? static_cast<std::size_t>(count) : 0;
         return filled_ > 0;
@@ -68,7 +70,7 @@ class LineReader {
     std::size_t filled_ = 0;
     std::size_t taken_ = 0;
     std::string line_;
-    bool hasFailed_ = false;
+    int error_ = 0;
 };
 
 /// Writes whole replies from any thread, and counts the calls that still owe one.
@@ -96,19 +98,20 @@ class ReplyWriter {
 
     void write(std::string_view reply) {
         const std::lock_guard lock(mutex_);
-        while (!hasFailed_ && !reply.empty()) {
+        while (error_ == 0 && !reply.empty()) {
             const ssize_t count = ::write(output_, reply.data(), reply.size());
             if (count >= 0) {
                 reply.remove_prefix(static_cast<std::size_t>(count));
-            } else {
-                hasFailed_ = errno != EINTR;
+            } else if (errno != EINTR) {
+                error_ = errno;
             }
         }
     }
 
-    [[nodiscard]] bool hasFailed() {
+    /// Why writing failed; 0 where it did not.
+    [[nodiscard]] int error() {
         const std::lock_guard lock(mutex_);
-        return hasFailed_;
+        return error_;
     }
 
   private:
@@ -116,7 +119,7 @@ class ReplyWriter {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::size_t pending_ = 0;
-    bool hasFailed_ = false;
+    int error_ = 0;
 };
 
 void serve(const INExtensionDispatcher& dispatcher, JSONDocument& document, std::string_view line,
@@ -137,6 +140,15 @@ void serve(const INExtensionDispatcher& dispatcher, JSONDocument& document, std:
     });
 }
 
+/// Says so where a stream failed, and returns whether it did.
+bool tell(const char* stream, int error) {
+    if (error != 0) {
+        std::fprintf(stderr, "%s: %s: %s\n", program_invocation_short_name, stream,
+                     std::generic_category().message(error).c_str());
+    }
+    return error != 0;
+}
+
 }  // namespace
 
 int NSExtensionMain(INExtensionDefinition definition, int input, int output) {
@@ -145,7 +157,7 @@ int NSExtensionMain(INExtensionDefinition definition, int input, int output) {
     LineReader lines(input);
     ReplyWriter replies(output);
     JSONDocument document;
-    for (auto outcome = lines.next(); outcome != LineReader::Outcome::end && !replies.hasFailed();
+    for (auto outcome = lines.next(); outcome != LineReader::Outcome::end && replies.error() == 0;
          outcome = lines.next()) {
         if (outcome == LineReader::Outcome::line) {
             serve(dispatcher, document, lines.line(), replies);
@@ -156,7 +168,8 @@ int NSExtensionMain(INExtensionDefinition definition, int input, int output) {
         }
     }
     replies.waitForAll();
-    return lines.hasFailed() || replies.hasFailed() ? 1 : 0;
+    const bool isInputBad = tell("standard input", lines.error());
+    return tell("standard output", replies.error()) || isInputBad ? 1 : 0;
 }
 
 }  // namespace nimbuscope::platform

@@ -32,14 +32,15 @@ struct ExtensionProcess : ::testing::Test {
     }
     std::string answer(const std::string& lines) {
         const Outcome outcome =
-            run({NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler"}, lines,
-                {{"NIMBUSCOPE_STORE", directory.path()}, {"LC_ALL", "C"}});
+            run({program}, lines, {{"NIMBUSCOPE_STORE", directory.path()}, {"LC_ALL", "C"}});
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(outcome.errors, "");
         return outcome.output;
     }
 
     TemporaryDirectory directory;
+    const std::string program =
+        NIMBUSCOPE_BINARY_DIRECTORY "/NimbuscopeIntentHandler/NimbuscopeIntentHandler";
 };
 
 TEST_F(ExtensionProcess, answersEveryOperationOfEveryIntent) {
@@ -145,6 +146,18 @@ TEST_F(ExtensionProcess, answersEachOfManyCallsInFlightUnderItsIdBeforeItEndsBut
         replies.insert(line + '\n');
     }
     EXPECT_EQ(replies, expected);
+}
+
+TEST_F(ExtensionProcess, saysWhereCallsCannotBeReadOrRepliesNotBeWritten) {
+    const std::pair<const char*, const char*> cases[]{
+        {"</", "NimbuscopeIntentHandler: standard input: Is a directory\n"},
+        {">/dev/full", "NimbuscopeIntentHandler: standard output: No space left on device\n"}};
+    for (const auto& [streams, errors] : cases) {
+        const Outcome outcome =
+            run({"sh", "-c", "exec " + program + " " + streams}, "42\n", {{"LC_ALL", "C"}});
+        EXPECT_EQ(outcome.exitCode, 1) << streams;
+        EXPECT_EQ(outcome.output + outcome.errors, errors);
+    }
 }
 
 TEST_F(ExtensionProcess, answersFromAnUnreadableStoreAsFromAnEmptyOne) {
