@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "NimbuscopeKit/Preferences/PreferencesServiceImpl.hpp"
+#include "Platform/Concurrency/RunLoop.hpp"
 #include "tests/support/FakeLocationManager.hpp"
 #include "tests/support/FixedLocale.hpp"
+#include "tests/support/GeoClueStandIn.hpp"
 #include "tests/support/InMemoryUserDefaults.hpp"
 
 namespace nimbuscope::testing {
@@ -96,6 +98,15 @@ TEST_F(LocationManagerTest, handsEventsOnAndKeepsTheLastPositionAndNothingElse) 
     EXPECT_TRUE(manager.isRequestingLocation());
     manager.setLast(std::nullopt);
     EXPECT_EQ(manager.last(), std::nullopt);
+}
+
+TEST(LocationManagerMain, worksOnTheMainRunLoopAndTheStoreOfTheUser) {
+    const PrivateBus bus;
+    ::setenv("NIMBUSCOPE_STORE", bus.directory.path("store").c_str(), 1);
+    LocationManager::main().request(true, [](auto) { platform::MainRunLoop::main().stop(); });
+    platform::MainRunLoop::main().run();
+    LocationManager::main().setLast(CLLocation{.coordinate = {1, 2}});
+    EXPECT_EQ(LocationManager::main().last()->coordinate.longitude, 2);
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 #include <asio/write.hpp>
 #include <cmath>
 
-#include "NimbuscopeKit/Location/LocationManager.hpp"
-#include "Platform/Concurrency/RunLoop.hpp"
 #include "Platform/Linux/CLLocationManager_geoclue.hpp"
 #include "tests/support/FakeLocationManager.hpp"
 #include "tests/support/GeoClueStandIn.hpp"
@@ -168,15 +166,6 @@ TEST(GeoClue, losesTheBusAndFindsItAgain) {
     world.manager.stopUpdatingLocation();
     world.manager.startUpdatingLocation();
     EXPECT_EQ(world.log.next(), "0!") << "there is no bus at all";
-}
-
-TEST(LocationManagerMain, worksOnTheMainRunLoopAndTheStoreOfTheUser) {
-    const PrivateBus bus;
-    ::setenv("NIMBUSCOPE_STORE", bus.directory.path("store").c_str(), 1);
-    LocationManager::main().request(true, [](auto) { platform::MainRunLoop::main().stop(); });
-    platform::MainRunLoop::main().run();
-    LocationManager::main().setLast(CLLocation{.coordinate = {1, 2}});
-    EXPECT_EQ(LocationManager::main().last()->coordinate.longitude, 2);
 }
 
 #ifdef NIMBUSCOPE_GEOCLUE
