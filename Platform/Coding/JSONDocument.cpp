@@ -46,11 +46,11 @@ DecodingError syntaxError(std::string_view text, simdjson::error_code code) {
     }
     ErrorLocator locator;
     nlohmann::json::sax_parse(text.begin(), text.end(), &locator);
-    std::string reason = code == simdjson::UTF8_ERROR ? "invalid UTF-8" : "invalid JSON";
-    if (locator.offset > 0) {
-        reason += " at byte " + std::to_string(locator.offset - 1);
-    }
-    return {{}, std::move(reason)};
+    // That parser takes a byte order mark, and a null character for the end.
+    std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 0 : text.find('\0');
+    at = std::min(at, locator.offset > 0 ? locator.offset - 1 : text.size());
+    const std::string what = code == simdjson::UTF8_ERROR ? "invalid UTF-8" : "invalid JSON";
+    return {{}, what + " at byte " + std::to_string(at)};
 }
 
 bool isNumberCharacter(char c) {
@@ -76,19 +76,41 @@ bool isNumber(std::string_view token) {
     return isSound && token.empty();
 }
 
-/// The number token as the fast parser takes it: integers of more digits than 64 bits hold become reals,
-/// magnitudes that no double has become a value that fits no field. What is no number stays as it is.
+template <class Number>
+bool fits(std::string_view token) {
+    Number value{};
+    return std::from_chars(token.data(), token.data() + token.size(), value).ec !=
+           std::errc::result_out_of_range;
+}
+
+/// True for a number below 1.
+bool isSmall(std::string_view token) {
+    const std::string_view figures = token.substr(0, token.find_first_of("eE"));
+    std::string_view power = token.substr(std::min(figures.size() + 1, token.size()));
+    power.remove_prefix(power.starts_with('+') ? 1 : 0);
+    std::int64_t exponent = 0;
+    const auto read = std::from_chars(power.data(), power.data() + power.size(), exponent);
+    if (read.ec == std::errc::result_out_of_range) {
+        return power.starts_with('-');
+    }
+    const auto place = [&](std::size_t at) {
+        return static_cast<std::int64_t>(std::min(at, figures.size()));
+    };
+    return exponent < place(figures.find_first_of("123456789")) - place(figures.find('.'));
+}
+
+/// The number token as the fast parser takes it: integers that 64 bits do not hold become reals, magnitudes
+/// that no double has become zero or a value that fits no field. What is no number stays as it is.
 std::string representableNumber(std::string_view token) {
     if (!isNumber(token)) {
         return std::string(token);
     }
-    double value = 0;
-    const auto error = std::from_chars(token.data(), token.data() + token.size(), value).ec;
-    if (error == std::errc::result_out_of_range) {
-        return token.find("e-") != token.npos || token.find("E-") != token.npos ? "0.0" : "[[]]";
+    if (!fits<double>(token)) {
+        return isSmall(token) ? "0.0" : "[[]]";
     }
     const bool isInteger = token.find_first_of(".eE") == std::string_view::npos;
-    return std::string(token) + (isInteger && token.size() > 18 ? "e0" : "");
+    return std::string(token) +
+           (isInteger && !fits<std::int64_t>(token) && !fits<std::uint64_t>(token) ? "e0" : "");
 }
 
 /// `text` with all its number tokens made representable; what is not a number stays as it is.
@@ -152,7 +174,8 @@ Result<JSONElement, DecodingError> JSONDocument::parse(std::string_view text, st
         }
     }
     auto code = parser_.parse(text.data(), text.size(), slack < enough).get(root);
-    if (code == simdjson::NUMBER_ERROR) {
+    isExact_ = code != simdjson::NUMBER_ERROR;
+    if (!isExact_) {
         const std::string widened = withRepresentableNumbers(text);
         code = parser_.parse(widened).get(root);
     }

@@ -35,8 +35,12 @@ class NIMBUSCOPE_EXPORT JSONDocument {
 
     static constexpr std::size_t enough = simdjson::SIMDJSON_PADDING;
 
+    /// False where the last text that was parsed has a number beyond 64-bit integers or beyond doubles.
+    [[nodiscard]] bool isExact() const { return isExact_; }
+
   private:
     simdjson::dom::parser parser_;
+    bool isExact_ = true;
 };
 
 /// What is wrong with a value; null when nothing is. A pointer, so that what is sound costs no more than a

@@ -60,7 +60,7 @@ struct JSONReader<T> {
         double number = 0;
         const bool isSound = json.get(number) == simdjson::SUCCESS;
         value = static_cast<T>(number);
-        return isSound;
+        return isSound && (number != 0 || !std::signbit(number));  // "-0" is an integer, which has no sign
     }
 };
 
@@ -178,7 +178,7 @@ struct JSONReader<E> {
         }
         const std::optional<E> found = fromRawValue<E>(raw);
         if (!found) {
-            return fault("the value is none of the allowed ones");
+            return fault(foundText(raw) + " is none of the allowed values");
         }
         value = *found;
         return {};
@@ -195,6 +195,10 @@ struct JSONReader<E> {
         value = found.value_or(value);
         return found.has_value();
     }
+
+  private:
+    static std::string foundText(std::int64_t raw) { return std::to_string(raw); }
+    static std::string foundText(const std::string& raw) { return '"' + raw + '"'; }
 };
 
 }  // namespace nimbuscope::platform

@@ -7,8 +7,22 @@
 namespace nimbuscope::platform::jsonrpc {
 namespace {
 
+/// The id of a request as its line has it: no other text of a number is sure to be the caller's.
+std::optional<std::string> idAsWritten(std::string_view line) {
+    simdjson::ondemand::parser parser;
+    const simdjson::padded_string padded(line);
+    simdjson::ondemand::document document;
+    simdjson::ondemand::value id;
+    if (parser.iterate(padded).get(document) != simdjson::SUCCESS ||
+        document["id"].get(id) != simdjson::SUCCESS) {
+        return std::nullopt;
+    }
+    const std::string_view token = id.raw_json_token();
+    return std::string(token.substr(0, token.find_last_not_of(" \t\r") + 1));
+}
+
 /// The id as JSON text; none for a value that no id can have.
-std::optional<std::string> idText(JSONElement id) {
+std::optional<std::string> idText(JSONElement id, std::string_view line) {
     using Type = simdjson::dom::element_type;
     JSONWriter writer;
     switch (id.type()) {
@@ -21,8 +35,7 @@ std::optional<std::string> idText(JSONElement id) {
         case Type::UINT64:
             return std::to_string(std::uint64_t(id));
         case Type::DOUBLE:
-            writer.value(double(id), JSONWriter::Reals::marked);
-            break;
+            return idAsWritten(line);
         case Type::NULL_VALUE:
             writer.null();
             break;
@@ -51,7 +64,7 @@ Result<Request, Rejection> readRequest(JSONDocument& document, std::string_view 
     Request request;
     JSONElement value;
     if (object["id"].get(value) == simdjson::SUCCESS) {
-        request.id = idText(value);
+        request.id = idText(value, line);
         if (!request.id) {
             return rejected({}, Code::invalidRequest, "an id is a text, a number or null");
         }

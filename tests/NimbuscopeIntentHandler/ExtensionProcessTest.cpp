@@ -128,7 +128,7 @@ TEST_F(ExtensionProcess, answersBadLinesWithErrorsAndGoesOn) {
 }
 
 TEST_F(ExtensionProcess, answersEachOfManyCallsInFlightUnderItsIdBeforeItEndsButNoNotification) {
-    std::vector<std::string> ids{"\"5\"", "null", "-1.5", "18446744073709551615", "\"\\\"é\\n\""};
+    std::vector<std::string> ids{"\"5\"", "null", "-1.50", "18446744073709551616", "\"\\\"é\\n\""};
     for (int i = 0; i < 3000; ++i) {
         ids.push_back(std::to_string(i));
     }

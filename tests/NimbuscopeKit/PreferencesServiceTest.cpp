@@ -84,7 +84,7 @@ TEST_F(PreferencesServiceTest, makesOrMigratesTheRecordAtTheFirstStartAndWritesN
 
 TEST_F(PreferencesServiceTest, anUnreadableRecordIsReportedAndReplacedByTheOldSettings) {
     const std::string none = "expected an object, found an array";
-    const std::string version = "version: the value is none of the allowed ones";
+    const std::string version = "version: 13 is none of the allowed values";
     const struct {
         std::string stored;
         std::vector<std::string> atStart;

@@ -85,7 +85,14 @@ TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
     const Outer expected{"b", {}, true, 5, {7, 8}, {{1e22, 127}, {huge, 0}}, Level::low, Word::two, {}};
     EXPECT_EQ(decoded, expected);
     EXPECT_EQ(JSONEncoder().encode(decoded)->find("note"), std::string::npos);
-    EXPECT_EQ(JSONDecoder().decode<Inner>(R"({"x":1e400,"small":1})").error().path, "x");
+    for (const std::string& beyond : {std::string("1e400"), "1" + std::string(400, '0') + "e-5"}) {
+        EXPECT_EQ(JSONDecoder().decode<Inner>(R"({"x":)" + beyond + R"(,"small":1})").error().path, "x");
+    }
+    std::string beside = R"({"beyond":1e400,)" + other.substr(1);
+    beside.replace(beside.find("5.0"), 3, "1234567890123456789");
+    EXPECT_EQ(JSONDecoder().decode<Outer>(beside).value().count, 1234567890123456789);
+    EXPECT_EQ(JSONDecoder().decode<Inner>(R"({"x":0.)" + std::string(400, '0') + R"(1,"small":1,"n":1e400})"),
+              (Inner{0, 1}));
 }
 
 TEST(Coding, aTextReadsTheSameStraightAndThroughADocument) {
@@ -140,8 +147,8 @@ TEST(Coding, errorsNameThePathAndWhatWasFound) {
         {least, "81.5", "count: expected an integer, found a fraction"},
         {R"("small":127)", R"("small":128)", "list[0].small: the number is out of range"},
         {R"("x":0.1)", R"("x":[])", "list[1].x: expected a number, found an array"},
-        {R"("level":-3)", R"("level":0)", "level: the value is none of the allowed ones"},
-        {R"("word":"Two")", R"("word":"two")", "word: the value is none of the allowed ones"},
+        {R"("level":-3)", R"("level":0)", "level: 0 is none of the allowed values"},
+        {R"("word":"Two")", R"("word":"two")", R"(word: "two" is none of the allowed values)"},
         {R"("usual":{"x":-0.0,)", R"("usual":{)", "usual.x: missing key"},
         {R"([{"x":1e+22)", R"([null,{"x":1e+22)", "list[0]: expected an object, found null"},
         // Two faults: the first of the table counts, and fields with a default come last.
@@ -153,6 +160,8 @@ TEST(Coding, errorsNameThePathAndWhatWasFound) {
         {wholeText, R"({"name":01e999})", "invalid JSON at byte 13"},
         {wholeText, R"({"name":-1.e999})", "invalid JSON at byte 11"},
         {wholeText, "{} {}", "invalid JSON at byte 3"},
+        {wholeText, "\xEF\xBB\xBF{}", "invalid JSON at byte 0"},
+        {wholeText, std::string("{}\0", 3), "invalid JSON at byte 2"},
         {wholeText, "{\"name\":\"\xff\"}", "invalid UTF-8 at byte 9"},
         {wholeText, std::string(2000, '[') + std::string(2000, ']'), "nested deeper than 1024 levels"},
         {wholeText, "42", "expected an object, found a number"},
