@@ -116,8 +116,7 @@ CS_EXPORT int cs_render_indexed_colors(uint8_t* colors, uint32_t firstCount, uin
 CS_EXPORT int get_color_palette(uint32_t schemeNumber, uint32_t numbering, ColorPaletteSource* record);
 
 /* Builds the tables of all palettes and returns the number of bytes allocated. Returns 0 when they are built
- * already, and when memory is short, which is final. Threads that call it at the same time wait for the one
- * that builds. */
+ * already, and when memory is short. Threads that call it at the same time wait for the one that builds. */
 CS_EXPORT size_t alloc_color_schemes(void);
 
 /* Tells where the table of a scheme is, smooth or (`smooth` = 0) banded. Answers as get_color_palette; the

@@ -78,6 +78,11 @@ const std::uint8_t* recordAt(std::size_t index) {
     return NB_PALETTES + nb_palettes_size - (sourceCount - index) * recordSize;
 }
 
+/// The tables of all palettes; null until they are built.
+const std::uint8_t* builtTables() {
+    return std::atomic_ref(nb_colors_palette).load(std::memory_order_acquire);
+}
+
 /// The palette at an index of the stored order, with its tables once they are built.
 ColorPaletteSource sourceAt(std::size_t index) {
     const std::uint8_t* bytes = recordAt(index);
@@ -88,7 +93,7 @@ ColorPaletteSource sourceAt(std::size_t index) {
         section = {.offset = readNumber<std::uint64_t>(bytes), .count = readNumber<std::uint64_t>(bytes + 8)};
         bytes += 16;
     }
-    const std::uint8_t* tables = std::atomic_ref(nb_colors_palette).load(std::memory_order_acquire);
+    const std::uint8_t* tables = builtTables();
     if (tables != nullptr) {
         source.colors = tables + index * sourceSpace;
         source.indexedColors = source.colors + tableSpace;
@@ -124,7 +129,7 @@ void buildTables(const ColorPaletteSource& source, std::uint8_t* colors) {
     cs_render_indexed_colors(indexedColors + tableSpace / 2, counts[2], counts[3]);
 }
 
-/// Bytes allocated.
+/// Bytes allocated; 0 without memory.
 std::size_t buildAllTables() {
     constexpr std::size_t size = sourceCount * sourceSpace;
     auto* tables = static_cast<std::uint8_t*>(std::calloc(1, size));
@@ -183,10 +188,12 @@ int get_color_palette(uint32_t schemeNumber, uint32_t numbering, ColorPaletteSou
 }
 
 size_t alloc_color_schemes(void) {
-    static std::once_flag once;
-    std::size_t allocated = 0;
-    std::call_once(once, [&] { allocated = buildAllTables(); });
-    return allocated;
+    static std::mutex mutex;
+    if (builtTables() != nullptr) {
+        return 0;
+    }
+    const std::lock_guard lock(mutex);
+    return builtTables() == nullptr ? buildAllTables() : 0;
 }
 
 int get_static_color_scheme(uint32_t schemeNumber, uint32_t numbering, StaticColorScheme* result,

@@ -103,6 +103,13 @@ constexpr auto caseTable(NotificationSettingsTropicalStorms::TrackingArea) {
     return std::array{platform::TextCase{worldwide, "global"}, platform::TextCase{nearMyLocations, "near"}};
 }
 
+/// A choice that the application's settings show as a list with a check mark.
+template <class T>
+concept SettingsCheckListItem = platform::Enumeration<T>;
+static_assert(SettingsCheckListItem<NotificationSettingsRainDuration::Accuracy>);
+static_assert(SettingsCheckListItem<NotificationSettingsSevereWeather::Severity>);
+static_assert(SettingsCheckListItem<NotificationSettingsTropicalStorms::TrackingArea>);
+
 /// When to be silent, in seconds after local midnight.
 struct NotificationSettingsSilenceTime {
     bool isEnabled = false;
@@ -134,5 +141,16 @@ struct LocationNotificationSettings {
                    platform::key("silenceTime", &LocationNotificationSettings::silenceTime)};
     bool operator==(const LocationNotificationSettings&) const = default;
 };
+
+/// What the application's settings show and change, of one place or of all.
+template <class T>
+concept NotificationSettings = platform::Record<T> && requires(T settings) {
+    settings.rainDuration;
+    settings.inRadius;
+    settings.severeWeather;
+    settings.tropicalStorms;
+    settings.silenceTime;
+};
+static_assert(NotificationSettings<LocationNotificationSettings>);
 
 }  // namespace nimbuscope

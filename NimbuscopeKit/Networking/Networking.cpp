@@ -217,25 +217,25 @@ void Networking::finishExchange(RequestResult<Data> reply, RequestHandler<void> 
         return;
     }
     failedExchange_ = exchange_;
-    track(*failure);
+    report(*failure, services_.errorTracking);
     ready(std::unexpected(APIError::authorizationError));
 }
 
 void Networking::sendSigned(URLRequest request, DataHandler callback) {
     constexpr std::array<std::string_view, 1> signedHeaders{"host"};
     auto signature = signer_.sign(request, signedHeaders, authorization_.key, authorization_.secret,
-                                  services_.clock.now());
+                                  std::chrono::floor<std::chrono::milliseconds>(services_.clock.now()));
     if (!signature) {
         callback(std::unexpected(signature.error()));
         return;
     }
     request.headers.add(std::move(*signature).headers());
     load(std::move(request),
-         [this, key = authorization_.key, callback = std::move(callback)](RequestResult<Data> reply) mutable {
+         [this, exchange = exchange_, callback = std::move(callback)](RequestResult<Data> reply) mutable {
              // Several replies may refuse the same credentials, and newer ones may be there by then.
-             if (isRefusal(reply) && authorization_.key == key) {
+             if (isRefusal(reply) && exchange_ == exchange && !authorization_.key.empty()) {
                  if (const auto reset = giveUpCredentials(); !reset) {
-                     track(trackable(reset.error()));
+                     report(trackable(reset.error()), services_.errorTracking);
                  }
              }
              callback(std::move(reply));
@@ -247,12 +247,6 @@ RequestResult<void> Networking::giveUpCredentials() {
     authorization_.secret.clear();
     const auto reset = authorization_.reset();
     return reset ? RequestResult<void>{} : std::unexpected(reset.error());
-}
-
-void Networking::track(const platform::NSError& error) const {
-    if (services_.errorTracking != nullptr) {
-        services_.errorTracking->track(error);
-    }
 }
 
 Data Networking::clientDescription() const {

@@ -155,7 +155,6 @@ class NIMBUSCOPE_EXPORT Networking final : public platform::NSObject,
     void finishExchange(RequestResult<platform::Data> reply, RequestHandler<void> ready);
     void sendSigned(platform::URLRequest request, DataHandler callback);
     [[nodiscard]] RequestResult<void> giveUpCredentials();
-    void track(const platform::NSError& error) const;
 
     // On the main thread:
     [[nodiscard]] platform::Data clientDescription() const;

@@ -38,7 +38,7 @@ struct NIMBUSCOPE_EXPORT RequestSignature {
 /// serves all requests of a day.
 class NIMBUSCOPE_EXPORT RequestSigner {
   public:
-    using Instant = std::chrono::system_clock::time_point;
+    using Instant = std::chrono::sys_time<std::chrono::milliseconds>;  ///< whose range is all years
 
     RequestSigner();
     ~RequestSigner();

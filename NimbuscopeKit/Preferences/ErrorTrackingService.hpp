@@ -14,4 +14,7 @@ class NIMBUSCOPE_EXPORT ErrorTrackingService {
     virtual void track(const platform::NSError& error) = 0;
 };
 
+/// Tells the service, or where there is none, standard error.
+NIMBUSCOPE_EXPORT void report(const platform::NSError& error, ErrorTrackingService* service);
+
 }  // namespace nimbuscope

@@ -55,7 +55,7 @@ PreferencesServiceImpl::PreferencesServiceImpl(const platform::NSUserDefaults& s
       locale_(std::move(locale)) {
     const auto copied = copyOlderSettings(standardDefaults);
     if (!copied) {
-        track(errorFrom(copied.error()));
+        report(errorFrom(copied.error()), errorTrackingService_.get());
     }
     bringUpToDate(copied.has_value());
 }
@@ -63,7 +63,7 @@ PreferencesServiceImpl::PreferencesServiceImpl(const platform::NSUserDefaults& s
 AppPreferences PreferencesServiceImpl::preferences() {
     auto record = storedRecord();
     if (!record) {
-        track(errorFrom(record.error()));
+        report(errorFrom(record.error()), errorTrackingService_.get());
         return imported();
     }
     if (*record) {
@@ -164,11 +164,11 @@ void PreferencesServiceImpl::bringUpToDate(bool mayMakeRecord) {
         });
         done = done ? groupDefaults_->synchronize() : done;
         if (!done) {
-            track(errorFrom(done.error()));
+            report(errorFrom(done.error()), errorTrackingService_.get());
         }
     }
     if (!update) {
-        track(update.error());
+        report(update.error(), errorTrackingService_.get());
     }
 }
 
@@ -232,7 +232,7 @@ void PreferencesServiceImpl::change(const Edit& edit, std::optional<DecodingErro
 void PreferencesServiceImpl::finishSaving(DefaultsResult<void> saved) {
     saved = saved ? groupDefaults_->synchronize() : saved;
     if (!saved) {
-        track(errorFrom(saved.error()));
+        report(errorFrom(saved.error()), errorTrackingService_.get());
         return;
     }
     observers_.tell([this](PreferencesServiceObserver& observer) { observer.preferencesDidChange(*this); });
@@ -245,12 +245,8 @@ void PreferencesServiceImpl::announceReset(const DecodingError& fault) const {
                  " Preferences will be reset to default \n"
                  "%s\n",
                  fault.message().c_str());
-    track(errorFrom(fault));
-}
-
-void PreferencesServiceImpl::track(const NSError& error) const {
     if (errorTrackingService_) {
-        errorTrackingService_->track(error);
+        errorTrackingService_->track(errorFrom(fault));
     }
 }
 

@@ -23,10 +23,11 @@ namespace nimbuscope {
 /// saved changes. What depends on the stored record is one transaction, so that none of their changes is
 /// lost.
 ///
-/// Errors go to the `ErrorTrackingService`, if there is one. A record that cannot be read is replaced, with a
-/// message on standard error, by what the older settings say (`AppPreferences::fromUserDefaults`). A store
-/// that cannot be read is left alone: reads return that same record, and changes are not made. No record is
-/// made of older settings that could not all be read or copied.
+/// Errors go to the `ErrorTrackingService`, or to standard error without one. A record that cannot be read is
+/// replaced, with a message on standard error, by what the older settings say
+/// (`AppPreferences::fromUserDefaults`). A store that cannot be read is left alone: reads return that same
+/// record, and changes are not made. No record is made of older settings that could not all be read or
+/// copied.
 class NIMBUSCOPE_EXPORT PreferencesServiceImpl final : public PreferencesService {
   public:
     using PreferencesServiceError = nimbuscope::PreferencesServiceError;
@@ -75,7 +76,6 @@ class NIMBUSCOPE_EXPORT PreferencesServiceImpl final : public PreferencesService
     void change(const Edit& edit, std::optional<platform::DecodingError> fault);
     void finishSaving(platform::DefaultsResult<void> saved);
     void announceReset(const platform::DecodingError& fault) const;
-    void track(const platform::NSError& error) const;
 
     std::shared_ptr<platform::NSUserDefaults> groupDefaults_;
     std::shared_ptr<ErrorTrackingService> errorTrackingService_;

@@ -168,14 +168,17 @@ Result<std::optional<Rad2DataBlock>, Rad2Error> Rad2File::find(DataBlockType typ
 Result<std::vector<Rad2Block>, Rad2Error> Rad2File::blocks() const {
     const ByteReader file(file_);
     std::vector<Rad2Block> all;
+    bool hasImage = false;
     for (auto offset = static_cast<std::uint64_t>(header_.dataHeaderPos);;) {
         const auto block = blockAt(file, offset);
-        if (!block) {
-            return std::unexpected(block.error());
+        const bool isWhole = block && block->end() <= file.size();
+        if (!isWhole && hasImage) {
+            return all;
         }
-        if (block->end() > file.size()) {
-            return error(offset, blockTooLong);
+        if (!isWhole) {
+            return block ? error(offset, blockTooLong) : std::unexpected(block.error());
         }
+        hasImage = hasImage || block->type() == static_cast<std::uint8_t>(DataBlockType::rad2);
         all.push_back({.type = block->type(), .payload = block->payload});
         if (block->isLast()) {
             return all;

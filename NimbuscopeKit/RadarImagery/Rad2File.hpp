@@ -79,7 +79,8 @@ class NIMBUSCOPE_EXPORT Rad2File {
         return static_cast<std::uint64_t>(header_.width) * static_cast<std::uint64_t>(header_.height);
     }
 
-    /// All blocks up to the last one. An error when one does not lie within the file whole.
+    /// All blocks up to the last one. An error when one does not lie within the file whole; behind the `rad2`
+    /// block such a one is left out, with all that follow, as nothing there is needed to draw the image.
     [[nodiscard]] platform::Result<std::vector<Rad2Block>, Rad2Error> blocks() const;
 
     /// The payload of the first block of a type, none where there is no such block. An error when the search
