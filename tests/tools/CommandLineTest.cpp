@@ -46,18 +46,33 @@ TEST_F(CommandLine, helpAndVersionPrintOnEveryLevelAndMistakesExitWithTwo) {
         std::istringstream stream(line);
         return Arguments{std::istream_iterator<std::string>(stream), {}};
     };
-    for (const char* line : {"--help", "places --help", "defaults write --help", "--version"}) {
-        EXPECT_NE(output(words(line)).find("nimbuscope"), std::string::npos);
+    const std::pair<const char*, const char*> helps[]{
+        {"--help", "Example: nimbuscope "},
+        {"places --help", "Example: nimbuscope places "},
+        {"defaults write --help", "Example: nimbuscope defaults write "},
+        {"--version", "nimbuscope"}};
+    for (const auto& [line, text] : helps) {
+        EXPECT_NE(output(words(line)).find(text), std::string::npos) << line;
     }
     for (const char* line :
          {"nonsense", "places", "places list --nonsense", "places add --name A --latitude 1",
           "places add --name A --latitude 91 --longitude 0", "defaults write k",
           "intents nonsense RadarMapIntent", "defaults write k --int 9223372036854775808",
           "defaults write k --bool maybe", "defaults write k --int 1 --string x",
-          "defaults read --suite x --standard", "preferences set unit 1"}) {
+          "defaults read --suite x --standard", "preferences set unit 1", "defaults write k --int 0x10",
+          "palette bytes 99999999999999999999 -o x", "palette legend 4 --type Rain --json -o -",
+          "forecast show x --json --chart -", "tile render - --overlay - -o x", "tile info x --max-pixels 0",
+          "map span --size 1x1 --center 0,181 --zoom 1 --json"}) {
         EXPECT_TRUE(failure(words(line), 2).starts_with("command line: ")) << line;
     }
+    for (const Arguments& empty :
+         {Arguments{"places", "list", "--store", ""}, Arguments{"defaults", "write", "k", "--double", ""},
+          Arguments{"defaults", "write", "k", "--bool", ""}, Arguments{"defaults", "read", "--suite", ""},
+          Arguments{"tile", "render", "x", "-o", "x", "--overlay", ""}}) {
+        EXPECT_TRUE(failure(empty, 2).starts_with("command line: ")) << empty.back();
+    }
     EXPECT_FALSE(std::filesystem::exists(directory.path("store")));
+    EXPECT_EQ(failure({"places", "remove", "a\n\x1B"}), "places: no place has the id \"a\\u000a\\u001b\"\n");
 }
 
 TEST_F(CommandLine, defaultsKeepTheirTypesThroughTheStore) {
@@ -154,7 +169,7 @@ TEST_F(CommandLine, preferencesAreSetAndResetWhileAnotherProcessLooksOn) {
     EXPECT_NE(output({"preferences", "show", "--json"}).find(R"("launchesCount":77,)"), std::string::npos);
 
     EXPECT_EQ(failure({"preferences", "set", "units", "3"}),
-              "preferences set: units: the value is none of the allowed ones\n");
+              "preferences set: units: 3 is none of the allowed values\n");
     locale = "en_US.UTF-8";
     EXPECT_EQ(output({"preferences", "reset"}), "");
     EXPECT_EQ(service.preferences().map.units, UnitsPreference::Imperial);

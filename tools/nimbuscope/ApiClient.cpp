@@ -1,5 +1,6 @@
 #include "ApiClient.hpp"
 
+#include "Files.hpp"
 #include "NimbuscopeKit/Preferences/AppGroup.hpp"
 #include "Platform/Linux/DeviceIdentifier_machineid.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
@@ -20,6 +21,12 @@ CommandResult<std::unique_ptr<Hosts>> openHosts(const CommandLine& commandLine) 
 
 CommandResult<std::unique_ptr<ApiClient>> ApiClient::open(const CommandLine& commandLine,
                                                           const std::string& caFile) {
+    const bool isInput = caFile == "-";
+    if (!caFile.empty() && !isInput) {
+        if (const auto bytes = readInput(caFile); !bytes) {
+            return std::unexpected(bytes.error());
+        }
+    }
     const auto directory = commandLine.storeDirectory();
     auto hosts = openHosts(commandLine);
     if (!directory || !hosts) {
@@ -30,7 +37,8 @@ CommandResult<std::unique_ptr<ApiClient>> ApiClient::open(const CommandLine& com
     if (!storage) {
         return std::unexpected(CommandError{"store", storage.error().message()});
     }
-    return std::unique_ptr<ApiClient>(new ApiClient(std::move(*hosts), *storage, caFile));
+    return std::unique_ptr<ApiClient>(
+        new ApiClient(std::move(*hosts), *storage, isInput ? "/dev/stdin" : caFile));
 }
 
 ApiClient::ApiClient(std::unique_ptr<Hosts> hosts, std::shared_ptr<platform::NSUserDefaults> group,

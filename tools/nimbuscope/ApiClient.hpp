@@ -21,7 +21,8 @@ namespace nimbuscope::tool {
 /// answers.
 class ApiClient {
   public:
-    /// `caFile` names a PEM file of further certificate authorities to trust; none when empty.
+    /// `caFile` names a PEM file of further certificate authorities to trust; none when empty,
+    /// standard input for "-".
     [[nodiscard]] static CommandResult<std::unique_ptr<ApiClient>> open(const CommandLine& commandLine,
                                                                         const std::string& caFile);
 

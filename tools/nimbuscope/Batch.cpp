@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -24,7 +25,7 @@ class Progress {
         ++(result ? outcome_.done : outcome_.failed);
         if (!result) {
             clear();
-            fmt::print(stderr, "nimbuscope: {}: {}\n", result.error().what, result.error().why);
+            printError(result.error());
         }
         show();
     }
@@ -81,8 +82,12 @@ BatchOutcome runBatch(const std::vector<std::string>& files, std::size_t threads
     };
     {
         std::vector<std::jthread> helpers;
-        for (std::size_t i = 1; i < std::min(threads, files.size()); ++i) {
-            helpers.emplace_back(takeAll);
+        try {
+            for (std::size_t i = 1; i < std::min(threads, files.size()); ++i) {
+                helpers.emplace_back(takeAll);
+            }
+        } catch (const std::system_error&) {
+            // There are no more threads to be had: those that are there do it all.
         }
         takeAll();
     }

@@ -9,6 +9,7 @@
 #include "Files.hpp"
 #include "Platform/Linux/NSUserDefaults_sqlite.hpp"
 #include "Platform/Linux/StoreDirectory.hpp"
+#include "StrictValues.hpp"
 
 namespace nimbuscope::tool {
 namespace {
@@ -16,12 +17,26 @@ namespace {
 constexpr int exitFailed = 1;
 constexpr int exitUsage = 2;
 
-int report(const CommandError& error) {
-    fmt::print(stderr, "nimbuscope: {}: {}\n", error.what, error.why);
-    return exitFailed;
+std::string withoutControlCharacters(std::string_view text) {
+    std::string result;
+    for (const char character : text) {
+        const auto code = static_cast<unsigned char>(character);
+        result += code < 0x20 || code == 0x7F ? fmt::format("\\u{:04x}", code) : std::string(1, character);
+    }
+    return result;
+}
+
+int report(const CommandError& error, int exitCode = exitFailed) {
+    printError(error);
+    return exitCode;
 }
 
 }  // namespace
+
+void printError(const CommandError& error) {
+    fmt::print(stderr, "nimbuscope: {}: {}\n", withoutControlCharacters(error.what),
+               withoutControlCharacters(error.why));
+}
 
 CommandLine::CommandLine() : app_("Works with Nimbuscope's stores, intents and radar data.", "nimbuscope") {
     app_.set_version_flag("--version", "nimbuscope " NIMBUSCOPE_VERSION);
@@ -37,7 +52,7 @@ CommandLine::CommandLine() : app_("Works with Nimbuscope's stores, intents and r
 CLI::App& CommandLine::addNoun(const std::string& name, const std::string& description) {
     CLI::App& noun = *app_.add_subcommand(name, description);
     noun.require_subcommand(1);
-    noun.footer("See also: nimbuscope " + name + " VERB --help");
+    noun.footer("");  // instead of the program's
     return noun;
 }
 
@@ -50,6 +65,9 @@ CLI::App& CommandLine::addVerb(CLI::App& parent, const std::string& name, const 
                                const std::string& example, Action action) {
     CLI::App& verb = *parent.add_subcommand(name, description);
     verb.footer(std::string(exampleMark) + example);
+    if (parent.get_footer().empty()) {
+        parent.footer(verb.get_footer());
+    }
     verb.callback([this, action = std::move(action)] { selected_ = action; });
     return verb;
 }
@@ -83,6 +101,7 @@ CommandDescription CommandLine::description() const {
 
 int CommandLine::run(int argumentCount, const char* const* arguments) {
     std::signal(SIGPIPE, SIG_IGN);  // a reader that went away shows as a failed write
+    refuseLooseValues(app_);
     try {
         app_.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
@@ -92,10 +111,13 @@ int CommandLine::run(int argumentCount, const char* const* arguments) {
             const auto written = writeStandardOutput(printed.str());
             return written ? 0 : report(written.error());
         }
-        fmt::print(stderr, "nimbuscope: command line: {}\n", error.what());
-        return exitUsage;
+        return report({"command line", error.what()}, exitUsage);
     }
-    return execute();
+    try {
+        return execute();
+    } catch (const std::exception& exception) {  // no memory, or no thread to be had
+        return report({app_.get_subcommands().front()->get_name(), exception.what()});
+    }
 }
 
 int CommandLine::execute() {

@@ -19,6 +19,9 @@ struct CommandError {
     std::string why;   ///< place, expected and found
 };
 
+/// Prints an error, in one line whatever it holds.
+void printError(const CommandError& error);
+
 template <class T>
 using CommandResult = platform::Result<T, CommandError>;
 
@@ -31,7 +34,7 @@ class CommandLine {
 
     CommandLine();
 
-    /// A noun, to which verbs are added.
+    /// A noun, to which verbs are added; its help ends with the first one's example.
     CLI::App& addNoun(const std::string& name, const std::string& description);
 
     /// A noun that is a command itself.
@@ -80,6 +83,9 @@ void addPlaces(CommandLine& commandLine);
 void addPreferences(CommandLine& commandLine);
 void addSign(CommandLine& commandLine);
 void addTile(CommandLine& commandLine);
+
+/// The option of verbs that read tiles: how many pixels these may have.
+void addMaximalPixels(CLI::App& verb, std::int64_t& maximalPixels);
 
 /// Verbs of `palette` and `tile` that have files of their own.
 void addPaletteLegend(CommandLine& commandLine, CLI::App& parent);

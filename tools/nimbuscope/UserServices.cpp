@@ -19,7 +19,8 @@ platform::DefaultsDictionary infoDictionary() {
             {"CFBundleVersion", std::string(NIMBUSCOPE_BUILD)}};
 }
 
-/// The units as they are stored, or would be by the first start of the application; nothing is written.
+/// The units as they are stored, else as the group's older settings have them; nothing is written, so that
+/// settings which no application has yet copied from the standard store do not count.
 UnitsPreference storedUnits(const NSUserDefaults& group, const ICULocale& locale) {
     const auto stored = group.object(PreferencesServiceImpl::appPreferencesKey);
     const auto* data = stored && *stored ? (*stored)->as<platform::Data>() : nullptr;

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <charconv>
-
 #include "CommandLine.hpp"
 #include "Files.hpp"
 #include "NimbuscopeIntentHandler/Places/SharedStorage.hpp"
@@ -21,6 +19,7 @@ struct StoreChoice {
 
     void addTo(CLI::App& verb) {
         auto* const name = verb.add_option("--suite", suite, "Suite of the store")->capture_default_str();
+        name->check([](const std::string& text) { return text.empty() ? "a suite has a name" : ""; });
         verb.add_flag("--standard", isStandard, "The standard store instead of a suite")->excludes(name);
     }
     [[nodiscard]] auto open(const CommandLine& commandLine) const {
@@ -138,6 +137,9 @@ CommandResult<DefaultsValue> valueToWrite(const WriteOptions& options) {
     }
     platform::JSONDocument document;
     const auto json = document.parse(*options.json);
+    if (json && !document.isExact()) {
+        return std::unexpected(CommandError{"--value-json", "a number is out of range"});
+    }
     auto value = json ? platform::defaultsValue(*json) : std::unexpected(json.error());
     return value ? CommandResult<DefaultsValue>(std::move(*value))
                  : std::unexpected(CommandError{"--value-json", value.error().message()});
@@ -156,15 +158,6 @@ CommandResult<void> write(const CommandLine& commandLine, const WriteOptions& op
     return stored ? CommandResult<void>{} : std::unexpected(storeError(stored.error()));
 }
 
-std::int64_t integerOf(const std::string& text) {
-    std::int64_t number = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (error != std::errc{} || end != text.data() + text.size()) {
-        throw CLI::ConversionError("--int: \"" + text + "\" is no integer of 64 bits with sign");
-    }
-    return number;
-}
-
 void addWrite(CommandLine& commandLine, CLI::App& noun) {
     const auto options = std::make_shared<WriteOptions>();
     auto& verb = commandLine.addVerb(
@@ -174,10 +167,7 @@ void addWrite(CommandLine& commandLine, CLI::App& noun) {
     verb.add_option("KEY", options->key, "Key of the value")->required();
     auto& value = *verb.add_option_group("value", "Exactly one of");
     value.add_option("--bool", options->boolean, "true or false");
-    // Parsed here: the library's own conversion turns what does not fit into the nearest value that does.
-    value.add_option_function<std::string>(
-        "--int", [options](const std::string& text) { options->integer = integerOf(text); },
-        "Integer of 64 bits");
+    value.add_option("--int", options->integer, "Integer of 64 bits");
     value.add_option("--double", options->real, "Finite number");
     value.add_option("--string", options->string, "Text");
     value.add_option("--data", options->dataFile, "File whose bytes are stored")->type_name("FILE");

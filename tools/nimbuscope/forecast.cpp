@@ -73,6 +73,12 @@ void addShow(CommandLine& commandLine, CLI::App& parent) {
                     "Also draw the hours; - for standard output, with nothing else")
         ->type_name("PNG");
     verb.add_flag("--json", options->isJSON, "Print the record as JSON, in the units of the server");
+    verb.parse_complete_callback([options] {
+        if (options->isJSON && options->chart == "-") {
+            throw CLI::ValidationError(
+                "-: standard output is taken for the chart or for --json, not for both");
+        }
+    });
 }
 
 struct IconOptions {

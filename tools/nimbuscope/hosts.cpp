@@ -1,10 +1,10 @@
 // The noun `hosts`: which servers are there for what.
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "ApiClient.hpp"
 #include "CommandLine.hpp"
+#include "ReadableJSON.hpp"
 #include "Records.hpp"
 #include "Results.hpp"
 
@@ -32,7 +32,11 @@ CommandResult<void> list(const CommandLine& commandLine, bool isJSON, std::strin
     for (const HostIdentifier identifier : identifiers) {
         const auto names = hostsFor(**hosts, identifier);
         if (!isJSON) {
-            output += fmt::format("{:<14}{}\n", rawValue(identifier), fmt::join(names, " "));
+            output += fmt::format("{:<13}", rawValue(identifier));
+            for (const std::string& name : names) {
+                output += ' ' + readableText(name);
+            }
+            output += '\n';
         }
         writer.key(rawValue(identifier));
         writeJSON(writer, names);

@@ -136,20 +136,29 @@ CommandResult<void> print(const LocationManager& manager, bool isJSON, std::stri
     return printJSON(what, writer, output);
 }
 
-CommandResult<void> printStatus(std::int64_t status, std::string& output) {
+CommandResult<void> printStatus(std::int64_t status, bool isJSON, std::string& output) {
     const auto known = platform::fromRawValue<platform::CLAuthorizationStatus>(status);
     if (!known) {
         return std::unexpected(
             CommandError{what, fmt::format("--status: expected 0 to 4, found {}", status)});
     }
-    output = std::string(description(locationManagerState(*known))) + '\n';
-    return {};
+    const auto state = description(locationManagerState(*known));
+    if (!isJSON) {
+        output = std::string(state) + '\n';
+        return {};
+    }
+    JSONWriter writer;
+    writer.beginObject();
+    writer.key("state");
+    writer.value(state);
+    writer.endObject();
+    return printJSON(what, writer, output);
 }
 
 CommandResult<void> locate(const CommandLine& commandLine, const LocationOptions& options,
                            std::string& output) {
     if (options.status) {
-        return printStatus(*options.status, output);
+        return printStatus(*options.status, options.isJSON, output);
     }
     const auto preferences = StoredPreferences::open(commandLine);
     if (!preferences) {
@@ -188,7 +197,8 @@ void addLocation(CommandLine& commandLine) {
     command.add_flag("--watch", options->isWatch,
                      "Print each change of the state and the position until interrupted");
     command.add_flag("--json", options->isJSON,
-                     "Print {state, location, last}; with --watch, an array of {state} and {location}");
+                     "Print {state, location, last}; with --watch, an array of {state} and {location}; with "
+                     "--status, {state}");
     command.add_option("--timeout", options->timeout, "Seconds to wait for a position")
         ->capture_default_str()
         ->check(CLI::Range(0.0, 86400.0));

@@ -72,21 +72,25 @@ void addSpan(CommandLine& commandLine, CLI::App& parent) {
                             "nimbuscope map span --size 640x480 --center 38.72,-9.14 --zoom 8 --json",
                             [options](std::string& output) { return span(*options, output); });
     const auto addPair = [&](const char* name, Pair& value, const char* description, char separator,
-                             auto isAllowed, const char* expected) {
-        const auto read = [&value, separator, isAllowed](const std::vector<std::string>& texts) {
-            const auto pair = pairOf(texts.front(), separator);
-            value = pair.value_or(Pair{});
-            return pair && isAllowed(*pair);
+                             auto isAllowed, const char* form, const char* expected) {
+        const auto fault = [separator, isAllowed, expected](const std::string& text) -> std::string {
+            const auto pair = pairOf(text, separator);
+            return pair && isAllowed(*pair) ? "" : fmt::format("expected {}, found {}", expected, text);
         };
-        verb.add_option(name, read, description)->type_name(expected)->expected(1)->required();
+        const auto read = [&value, separator](const std::vector<std::string>& texts) {
+            value = pairOf(texts.front(), separator).value_or(Pair{});
+            return true;
+        };
+        verb.add_option(name, read, description)->type_name(form)->expected(1)->required()->check(fault);
     };
     addPair(
         "--size", options->size, "Size of the view in pixels", 'x',
-        [](const Pair& size) { return size.first >= 0 && size.second >= 0; }, "WxH");
+        [](const Pair& size) { return size.first >= 0 && size.second >= 0; }, "WxH",
+        "two numbers from 0 on with x between");
     addPair(
         "--center", options->center, "Centre in degrees, north and east positive", ',',
         [](const Pair& center) { return std::abs(center.first) <= 90 && std::abs(center.second) <= 180; },
-        "LAT,LON");
+        "LAT,LON", "a latitude from -90 to 90, a comma and a longitude from -180 to 180");
     verb.add_option("--zoom", options->zoom, "Zoom level; at 0 the world is 512 pixels wide")->required();
     verb.add_flag("--json", options->isJSON, "Print {latitudeDelta, longitudeDelta}");
 }

@@ -4,6 +4,7 @@
 
 #include "CommandLine.hpp"
 #include "MapsText.hpp"
+#include "ReadableJSON.hpp"
 #include "Records.hpp"
 
 namespace nimbuscope::tool {
@@ -31,10 +32,10 @@ CommandResult<void> printMaps(const std::string& what, const ApiMaps& maps, bool
     if (isJSON) {
         return printRecord(what, maps, output);
     }
-    output += fmt::format("code {}: {}\n", maps.code, maps.message);
+    output += fmt::format("code {}: {}\n", maps.code, readableText(maps.message));
     for (const auto& [layer, times] : maps.data.value_or(decltype(maps.data)::value_type())) {
-        output += fmt::format("{}\n  past frames: {}\n  future frames: {}\n", layer, describe(times.past),
-                              describe(times.future));
+        output += fmt::format("{}\n  past frames: {}\n  future frames: {}\n", readableText(layer),
+                              describe(times.past), describe(times.future));
     }
     return {};
 }

@@ -80,13 +80,16 @@ CommandResult<void> legend(const Options& options, std::string& output) {
     if (!layer) {
         return refused(layer.error().reason);
     }
-    if (options.isJSON) {
-        platform::JSONWriter writer;
-        writeLayer(writer, *layer);
-        return printJSON(verbName, writer, output);
+    if (!options.file.empty()) {
+        const auto image = drawing::drawLegend(*layer, direction, titles.at(type), drawing::legendAxis(type));
+        auto written = writePNG(verbName, image, options.file, output);
+        if (!written || !options.isJSON) {
+            return written;
+        }
     }
-    const auto image = drawing::drawLegend(*layer, direction, titles.at(type), drawing::legendAxis(type));
-    return writePNG(verbName, image, options.file, output);
+    platform::JSONWriter writer;
+    writeLayer(writer, *layer);
+    return printJSON(verbName, writer, output);
 }
 
 }  // namespace
@@ -107,13 +110,15 @@ void addPaletteLegend(CommandLine& commandLine, CLI::App& parent) {
         ->check(CLI::IsMember({"horizontal", "vertical"}))
         ->capture_default_str();
     auto& wanted = *verb.add_option_group("result");
-    auto* const json =
-        wanted.add_flag("--json", options->isJSON, "Print the gradient, components from 0 to 1");
-    auto* const file =
-        wanted.add_option("-o,--output", options->file, "File to write; - for standard output");
-    file->type_name("PNG");
-    json->excludes(file);
-    wanted.require_option(1);
+    wanted.add_flag("--json", options->isJSON, "Print the gradient, components from 0 to 1");
+    wanted.add_option("-o,--output", options->file, "File to write; - for standard output")->type_name("PNG");
+    wanted.require_option(1, 2);
+    verb.parse_complete_callback([options] {
+        if (options->isJSON && options->file == "-") {
+            throw CLI::ValidationError(
+                "-: standard output is taken for the picture or for --json, not for both");
+        }
+    });
 }
 
 }  // namespace nimbuscope::tool

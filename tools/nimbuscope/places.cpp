@@ -32,8 +32,9 @@ CommandResult<void> done(const platform::Result<void, SavedPlacesError>& result)
 std::string tableOf(const std::vector<Place>& places) {
     std::string text;
     for (const Place& place : places) {
-        text += fmt::format("{} {:<38} {:>9.4f} {:>9.4f}  {}\n", place.current ? '*' : ' ', place.id,
-                            place.staticCoordinate.latitude, place.staticCoordinate.longitude, place.name);
+        text += fmt::format("{} {:<38} {:>9.4f} {:>9.4f}  {}\n", place.current ? '*' : ' ',
+                            readableText(place.id), place.staticCoordinate.latitude,
+                            place.staticCoordinate.longitude, readableText(place.name));
     }
     return text;
 }

@@ -22,6 +22,10 @@ struct SignOptions {
     bool isJSON = false;
 };
 
+bool isGraph(char character) {
+    return character > ' ' && character < 0x7F;
+}
+
 /// The instant of a text of the form "2024-03-07T09:15:02Z".
 std::optional<RequestSigner::Instant> instantOf(std::string_view text) {
     constexpr std::string_view form = "0000-00-00T00:00:00Z";
@@ -82,12 +86,16 @@ void addSign(CommandLine& commandLine) {
                                "https://api.nimbus.example/mobile/maps/?step=600 --key K --secret S "
                                "--at 2024-03-07T09:15:02Z",
                                [options](std::string& output) { return sign(*options, output); });
-    command.add_option("--method", options->request.httpMethod, "HTTP method")->required();
+    command.add_option("--method", options->request.httpMethod, "HTTP method")
+        ->required()
+        ->check([](const std::string& method) {
+            const bool isName = !method.empty() && std::ranges::all_of(method, isGraph);
+            return isName ? "" : "expected the name of a method";
+        });
     command.add_option("--url", options->request.url, "Address of the request")->required();
     command.add_option("--key", options->key, "Access key")->required()->check([](const std::string& key) {
-        const bool isPrintable =
-            std::ranges::all_of(key, [](unsigned char c) { return c >= ' ' && c != 0x7F; });
-        return isPrintable ? "" : "a header cannot hold this key";
+        const bool isPrintable = std::ranges::all_of(key, [](char c) { return c == ' ' || isGraph(c); });
+        return !key.empty() && isPrintable ? "" : "a header cannot hold this key";
     });
     command.add_option("--secret", options->secret, "Secret")->required();
     const auto readInstant = [options](const std::vector<std::string>& texts) {

@@ -78,9 +78,10 @@ void writeInfo(platform::JSONWriter& writer, const TileInfo& info) {
     writer.endObject();
 }
 
-CommandResult<TileInfo> infoOf(const std::string& name, const platform::Data& bytes) {
+CommandResult<TileInfo> infoOf(const std::string& name, const platform::Data& bytes,
+                               std::int64_t maximalPixels) {
     if (isPNG(bytes)) {
-        const auto png = Png::make(bytes, {});
+        const auto png = Png::make(bytes, {.pixels = static_cast<std::uint64_t>(maximalPixels)});
         if (!png) {
             return fault(name, png.error().message());
         }
@@ -109,6 +110,7 @@ CommandResult<TileInfo> infoOf(const std::string& name, const platform::Data& by
 
 struct InfoOptions {
     std::string input;
+    std::int64_t maximalPixels = 0;
     bool isJSON = false;
 };
 
@@ -117,7 +119,7 @@ CommandResult<void> info(const InfoOptions& options, std::string& output) {
     if (!bytes) {
         return std::unexpected(bytes.error());
     }
-    const auto found = infoOf(options.input, *bytes);
+    const auto found = infoOf(options.input, *bytes, options.maximalPixels);
     if (!found) {
         return std::unexpected(found.error());
     }
@@ -138,6 +140,7 @@ void addInfo(CommandLine& commandLine, CLI::App& parent) {
     verb.add_option("FILE", options->input, "Rad2 or PNG file; - for standard input")->required();
     verb.add_flag("--json", options->isJSON,
                   "Print an object; bpp counts bytes in a Rad2 file and bits in a PNG");
+    addMaximalPixels(verb, options->maximalPixels);
 }
 
 // tile encode
@@ -147,6 +150,7 @@ struct EncodeOptions {
     std::string file;
     std::string arrows;
     bool isSizeExplicit = false;
+    std::int64_t maximalPixels = 0;
 };
 
 CommandResult<void> writeRad2(const EncodeOptions& options, Rad2Writer::Contents contents,
@@ -180,7 +184,8 @@ CommandResult<void> encode(const EncodeOptions& options, std::string& output) {
     if (!isPNG(*bytes)) {
         return unknownFormat(options.input, "a PGM (P5) or a PNG file");
     }
-    const auto image = platform::decodePNGSamples(*bytes, {});
+    const auto image =
+        platform::decodePNGSamples(*bytes, {.pixels = static_cast<std::uint64_t>(options.maximalPixels)});
     if (!image) {
         return fault(options.input, image.error().message());
     }
@@ -206,6 +211,7 @@ void addEncode(CommandLine& commandLine, CLI::App& parent) {
     verb.add_flag("--explicit-size", options->isSizeExplicit,
                   "Write the width and the height even where a size class would do");
     verb.add_option("--arrows", options->arrows, "Payload of an arrows block")->type_name("FILE");
+    addMaximalPixels(verb, options->maximalPixels);
     verb.parse_complete_callback([options] {
         if (options->input == "-" && options->arrows == "-") {
             throw CLI::ValidationError("-: standard input is taken for IN or for --arrows, not for both");
@@ -255,6 +261,16 @@ void addArrows(CommandLine& commandLine, CLI::App& parent) {
 }
 
 }  // namespace
+
+void addMaximalPixels(CLI::App& verb, std::int64_t& maximalPixels) {
+    const auto fault = [](const std::string& text) {
+        return text.starts_with('-') || text == "0" ? "expected a number from 1 on, found " + text : "";
+    };
+    maximalPixels = std::int64_t{1} << 26U;
+    verb.add_option("--max-pixels", maximalPixels, "Refuse larger images")
+        ->check(CLI::Validator(fault, "POSITIVE"))
+        ->capture_default_str();
+}
 
 void addTile(CommandLine& commandLine) {
     auto& parent = commandLine.addNoun("tile", "Reads, draws and makes radar tiles");

@@ -30,7 +30,7 @@ struct Options {
     std::string overlay;
     std::size_t jobs = std::max(1U, std::thread::hardware_concurrency());
     bool isRaw = false;
-    std::int64_t maximalPixels = std::int64_t{1} << 26U;
+    std::int64_t maximalPixels = 0;
 };
 
 CommandResult<TileRendering> renderingOf(const Options& options) {
@@ -140,15 +140,16 @@ void addTileRender(CommandLine& commandLine, CLI::App& parent) {
     verb.add_option("--jobs", options->jobs, "Tiles at once; default: one for each processor")
         ->check(CLI::Range(1, 1024));
     verb.add_flag("--raw", options->isRaw, "Write the RGBA bytes alone instead of a PNG");
-    verb.add_option("--max-pixels", options->maximalPixels, "Refuse larger images")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
+    addMaximalPixels(verb, options->maximalPixels);
     verb.parse_complete_callback([options] {
         const bool takesStandardInput = std::ranges::find(options->inputs, "-") != options->inputs.end();
         if (options->directory.empty() ? options->inputs.size() > 1 : takesStandardInput) {
             throw CLI::ValidationError(takesStandardInput
                                            ? "-: standard input is taken alone and with --output"
                                            : "--output takes one FILE; --out-dir takes several");
+        }
+        if (takesStandardInput && options->overlay == "-") {
+            throw CLI::ValidationError("-: standard input is taken for FILE or for --overlay, not for both");
         }
     });
 }
