@@ -47,10 +47,9 @@ DecodingError syntaxError(std::string_view text, simdjson::error_code code) {
     ErrorLocator locator;
     nlohmann::json::sax_parse(text.begin(), text.end(), &locator);
     // That parser takes a byte order mark, and a null character for the end.
-    std::size_t at = text.starts_with("\xEF\xBB\xBF") ? 0 : text.find('\0');
-    at = std::min(at, locator.offset > 0 ? locator.offset - 1 : text.size());
+    const std::size_t unseen = text.starts_with("\xEF\xBB\xBF") ? 0 : std::min(text.find('\0'), text.size());
     const std::string what = code == simdjson::UTF8_ERROR ? "invalid UTF-8" : "invalid JSON";
-    return {{}, what + " at byte " + std::to_string(at)};
+    return {{}, what + " at byte " + std::to_string(locator.offset > 0 ? locator.offset - 1 : unseen)};
 }
 
 bool isNumberCharacter(char c) {
@@ -191,6 +190,14 @@ DecodingFault fault(std::string_view reason) {
 
 DecodingFault typeMismatch(std::string_view expected, JSONElement found) {
     return fault("expected " + std::string(expected) + ", found " + std::string(kindOf(found)));
+}
+
+DecodingFault unknownValue(std::int64_t found) {
+    return fault(std::to_string(found) + " is none of the allowed values");
+}
+
+DecodingFault unknownValue(std::string_view found) {
+    return fault('"' + std::string(found) + "\" is none of the allowed values");
 }
 
 DecodingFault inKey(std::string_view key, DecodingFault inner) {

@@ -3,6 +3,7 @@
 #include <simdjson.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string_view>
 
@@ -52,6 +53,10 @@ using DecodingFault = std::unique_ptr<DecodingError>;
 
 /// The fault of a value of the wrong kind: "expected a boolean, found a number".
 [[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault typeMismatch(std::string_view expected, JSONElement found);
+
+/// The fault of a value that no case of an enumeration has.
+[[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault unknownValue(std::int64_t found);
+[[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault unknownValue(std::string_view found);
 
 /// A fault, found inside the value of `key` or inside an element of an array.
 [[nodiscard]] NIMBUSCOPE_EXPORT DecodingFault inKey(std::string_view key, DecodingFault inner);

@@ -178,7 +178,7 @@ struct JSONReader<E> {
         }
         const std::optional<E> found = fromRawValue<E>(raw);
         if (!found) {
-            return fault(foundText(raw) + " is none of the allowed values");
+            return unknownValue(raw);
         }
         value = *found;
         return {};
@@ -195,10 +195,6 @@ struct JSONReader<E> {
         value = found.value_or(value);
         return found.has_value();
     }
-
-  private:
-    static std::string foundText(std::int64_t raw) { return std::to_string(raw); }
-    static std::string foundText(const std::string& raw) { return '"' + raw + '"'; }
 };
 
 }  // namespace nimbuscope::platform
