@@ -60,7 +60,7 @@ struct JSONReader<T> {
         double number = 0;
         const bool isSound = json.get(number) == simdjson::SUCCESS;
         value = static_cast<T>(number);
-        return isSound && (number != 0 || !std::signbit(number));  // "-0" is an integer, which has no sign
+        return isSound;
     }
 };
 

@@ -85,13 +85,15 @@ TEST(Coding, keysInAnyOrderUnknownRepeatedOrNullReadAlike) {
     const Outer expected{"b", {}, true, 5, {7, 8}, {{1e22, 127}, {huge, 0}}, Level::low, Word::two, {}};
     EXPECT_EQ(decoded, expected);
     EXPECT_EQ(JSONEncoder().encode(decoded)->find("note"), std::string::npos);
-    for (const std::string& beyond : {std::string("1e400"), "1" + std::string(400, '0') + "e-5"}) {
+    for (const std::string& beyond :
+         {std::string("1e400"), std::string("1e99999999999999999999"), "1" + std::string(400, '0') + "e-5"}) {
         EXPECT_EQ(JSONDecoder().decode<Inner>(R"({"x":)" + beyond + R"(,"small":1})").error().path, "x");
     }
     std::string beside = R"({"beyond":1e400,)" + other.substr(1);
     beside.replace(beside.find("5.0"), 3, "1234567890123456789");
     EXPECT_EQ(JSONDecoder().decode<Outer>(beside).value().count, 1234567890123456789);
-    EXPECT_EQ(JSONDecoder().decode<Inner>(R"({"x":0.)" + std::string(400, '0') + R"(1,"small":1,"n":1e400})"),
+    EXPECT_EQ(JSONDecoder().decode<Inner>(R"({"x":0.)" + std::string(400, '0') +
+                                          R"(1,"small":1,"n":1e-99999999999999999999})"),
               (Inner{0, 1}));
 }
 
