@@ -1,8 +1,12 @@
 #include "StrictValues.hpp"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace nimbuscope::tool {
 namespace {
